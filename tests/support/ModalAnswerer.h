@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QList>
+#include <QMessageBox>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+namespace zutest {
+
+/// What the answerer saw of one modal box or file dialog.
+struct SeenModal
+{
+    enum Kind { MessageBox, FileDialog, Other };
+    Kind kind = Other;
+    QString title;
+    QString text; ///< box text; empty for a dialog
+    QMessageBox::Icon icon = QMessageBox::NoIcon; ///< box icon
+    QMessageBox::StandardButtons buttons; ///< box buttons
+    QString answer; ///< the button pressed or the file given
+};
+
+/**
+ * Answers modal boxes and file dialogs from a timer, so that code under test
+ * that raises them never waits for a person.
+ *
+ * Queue answers in the order the boxes will appear, then call the code. A
+ * modal that appears with no answer queued is rejected (Escape / Cancel) and
+ * recorded, so an unexpected box fails an assertion instead of hanging.
+ */
+class ModalAnswerer : public QObject
+{
+    Q_OBJECT
+public:
+    explicit ModalAnswerer(QObject *parent = nullptr);
+    ~ModalAnswerer() override;
+
+    /// The next message box is answered by pressing `button`.
+    void answerBox(QMessageBox::StandardButton button);
+    /// The next message box is answered by the button whose text is `text`.
+    void answerBoxByText(const QString &text);
+    /// The next file dialog is accepted with `fileName`; an empty name cancels it.
+    void answerFileDialog(const QString &fileName);
+
+    /// Everything answered so far, in order.
+    const QList<SeenModal> &seen() const { return m_seen; }
+    /// Answers still queued.
+    int pending() const { return m_answers.size(); }
+    void clear();
+
+private:
+    struct Answer
+    {
+        enum Kind { Button, ButtonText, File } kind;
+        QMessageBox::StandardButton button = QMessageBox::NoButton;
+        QString text;
+    };
+    void poll();
+
+    QTimer m_timer;
+    QList<Answer> m_answers;
+    QList<SeenModal> m_seen;
+};
+
+} // namespace zutest

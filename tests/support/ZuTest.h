@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QApplication>
+#include <QDir>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace zutest {
+
+// Every test runs headless, with QStandardPaths in test mode, inside a fresh
+// temporary folder that is removed when the test ends.
+inline void prepareEnvironment()
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QStandardPaths::setTestModeEnabled(true);
+}
+
+inline bool enterTemporaryDir(const QTemporaryDir &dir)
+{
+    return dir.isValid() && QDir::setCurrent(dir.path());
+}
+
+} // namespace zutest
+
+#define ZU_TEST_MAIN(TestObject)                                                                   \
+    int main(int argc, char **argv)                                                                \
+    {                                                                                              \
+        zutest::prepareEnvironment();                                                              \
+        QApplication app(argc, argv);                                                              \
+        app.setAttribute(Qt::AA_Use96Dpi, true);                                                   \
+        QTemporaryDir workDir;                                                                     \
+        if (!zutest::enterTemporaryDir(workDir))                                                   \
+            qFatal("cannot enter a temporary folder");                                             \
+        TestObject tc;                                                                             \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
+        return QTest::qExec(&tc, argc, argv);                                                      \
+    }
