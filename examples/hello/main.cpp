@@ -10,7 +10,7 @@ int main(int argc, char *argv[])
     file->setFormat(QStringLiteral("%{time}{yyyy-MM-dd HH:mm:ss} [%{type:-7}] %{message}\n"));
     cuteLoggerInstance()->registerAppender(new LoggerConsoleAppender);
     cuteLoggerInstance()->registerAppender(file);
-    LOG_INFO() << "zucore says hello; md5 of 'abc' is" << ZuCore::md5(QStringLiteral("abc"));
-    LOG_INFO() << "the log file is" << QFileInfo(file->fileName()).absoluteFilePath();
+    LOG_INFO().noquote() << "zucore says hello; md5 of 'abc' is" << ZuCore::md5(QStringLiteral("abc"));
+    LOG_INFO().noquote() << "the log file is" << QFileInfo(file->fileName()).absoluteFilePath();
     return 0;
 }
