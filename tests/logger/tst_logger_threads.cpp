@@ -3,10 +3,21 @@
 #include <zucore/Logger.h>
 #include <zucore/LoggerFileAppender.h>
 
-#include <QAtomicInt>
-#include <QThread>
-
+#include <atomic>
+#include <thread>
 #include <vector>
+
+#if defined(__SANITIZE_THREAD__)
+// Hand-overs that ThreadSanitizer cannot see, since these libraries are not built for it:
+// glibc's tzset() (reached through QDateTime::currentDateTime) guards its state with a lock of
+// its own, a contended QReadWriteLock parks its waiters on a QWaitCondition that it creates
+// lazily, and Qt Test runs a watchdog thread. The logger's own data is covered by the lock
+// annotations in the library.
+extern "C" const char *__tsan_default_suppressions()
+{
+    return "race:tzset_internal\nrace:QWaitCondition\nrace:libQt5Test.so\n";
+}
+#endif
 
 class tst_LoggerThreads : public QObject
 {
@@ -28,32 +39,28 @@ void tst_LoggerThreads::manyThreadsOneFile()
     appender->setFormat(QStringLiteral("%{type} %{message}\n"));
     cuteLoggerInstance()->registerAppender(appender);
 
-    QAtomicInt running(threadCount);
-    std::vector<QThread *> threads;
-    for (int t = 0; t < threadCount; ++t) {
-        threads.push_back(QThread::create([t, &running] {
-            for (int n = 0; n < perThread; ++n)
-                LOG_INFO("thread %d record %d", t, n);
-            running.deref();
-        }));
-    }
-    QThread *meddler = QThread::create([appender, &running] {
-        while (running.loadAcquire() > 0) {
+    // Plain std::thread: QThread's own bookkeeping would draw ThreadSanitizer reports on Qt.
+    std::atomic_int running(threadCount);
+    std::thread meddler([appender, &running] {
+        while (running.load() > 0) {
             appender->setDetailsLevel(Logger::Trace);
             appender->setDetailsLevel(Logger::Info);
             appender->setFormat(QStringLiteral("%{type} %{message}\n"));
             (void)appender->fileName();
-            QThread::yieldCurrentThread();
+            std::this_thread::yield();
         }
     });
-    meddler->start();
-    for (QThread *thread : threads)
-        thread->start();
-    for (QThread *thread : threads)
-        QVERIFY(thread->wait(240000));
-    QVERIFY(meddler->wait(10000));
-    qDeleteAll(threads);
-    delete meddler;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < threadCount; ++t) {
+        threads.emplace_back([t, &running] {
+            for (int n = 0; n < perThread; ++n)
+                LOG_INFO("thread %d record %d", t, n);
+            --running;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    meddler.join();
     cuteLoggerInstance()->removeAppender(appender);
     delete appender;
 
