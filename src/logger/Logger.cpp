@@ -1,0 +1,370 @@
+#include <zucore/Logger.h>
+#include <zucore/LoggerAbstractAppender.h>
+#include <zucore/LoggerAbstractStringAppender.h>
+
+#include <QCoreApplication>
+#include <QList>
+#include <QMap>
+#include <QMultiMap>
+#include <QMutex>
+#include <QReadWriteLock>
+#include <QSet>
+#include <QStringList>
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+struct LoggerPrivate
+{
+    QList<LoggerAbstractAppender *> appenders;
+    QMutex loggerMutex;
+    QMap<QString, bool> categories;
+    QMultiMap<QString, LoggerAbstractAppender *> categoryAppenders;
+    QStringList noAppendersCategories;
+    QString defaultCategory;
+    bool writeDefaultCategoryToGlobalInstance = false;
+};
+
+namespace {
+
+// Constructed when the library is loaded, so that the first concurrent calls of
+// globalInstance() already find a working lock.
+QReadWriteLock globalInstanceLock;
+Logger *globalInstancePtr = nullptr;
+// Printed once per process, whichever logger finds itself without appenders.
+std::atomic_bool noAppendersWarningPrinted { false };
+
+void printToStderr(const QByteArray &line)
+{
+    std::fputs(line.constData(), stderr);
+    std::fputc('\n', stderr);
+    std::fflush(stderr);
+}
+
+void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
+                            const QString &message)
+{
+    Logger::LogLevel level = Logger::Debug;
+    switch (type) {
+    case QtWarningMsg:
+        level = Logger::Warning;
+        break;
+    case QtCriticalMsg:
+        level = Logger::Error;
+        break;
+    case QtFatalMsg:
+        level = Logger::Fatal;
+        break;
+    case QtInfoMsg:
+        level = Logger::Info;
+        break;
+    default:
+        level = Logger::Debug;
+        break;
+    }
+    const bool isDefaultCategory
+        = QString::fromLatin1(context.category) == QLatin1String("default");
+    Logger::globalInstance()->write(level, context.file, context.line, context.function,
+                                    isDefaultCategory ? nullptr : context.category, message);
+}
+
+void cleanupLoggerGlobalInstance()
+{
+    QWriteLocker locker(&globalInstanceLock);
+    delete globalInstancePtr;
+    globalInstancePtr = nullptr;
+}
+
+} // namespace
+
+Logger::Logger()
+    : d(new LoggerPrivate)
+{ }
+
+Logger::Logger(const QString &defaultCategory, bool writeToGlobalInstance)
+    : d(new LoggerPrivate)
+{
+    d->writeDefaultCategoryToGlobalInstance = writeToGlobalInstance;
+    setDefaultCategory(defaultCategory);
+}
+
+Logger::~Logger()
+{
+    {
+        QMutexLocker locker(&d->loggerMutex);
+        QSet<LoggerAbstractAppender *> owned;
+        for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
+            owned.insert(appender);
+        for (auto it = d->categoryAppenders.cbegin(); it != d->categoryAppenders.cend(); ++it)
+            owned.insert(it.value());
+        for (LoggerAbstractAppender *appender : qAsConst(owned))
+            delete appender;
+    }
+    delete d;
+}
+
+Logger *Logger::globalInstance()
+{
+    {
+        QReadLocker locker(&globalInstanceLock);
+        if (globalInstancePtr)
+            return globalInstancePtr;
+    }
+    QWriteLocker locker(&globalInstanceLock);
+    // Another thread may have won the race between the two locks.
+    if (!globalInstancePtr) {
+        globalInstancePtr = new Logger;
+        qInstallMessageHandler(qtLoggerMessageHandler);
+        qAddPostRoutine(cleanupLoggerGlobalInstance);
+    }
+    return globalInstancePtr;
+}
+
+QString Logger::levelToString(Logger::LogLevel logLevel)
+{
+    switch (logLevel) {
+    case Trace:
+        return QStringLiteral("Trace");
+    case Debug:
+        return QStringLiteral("Debug");
+    case Info:
+        return QStringLiteral("Info");
+    case Warning:
+        return QStringLiteral("Warn");
+    case Error:
+        return QStringLiteral("Error");
+    case Fatal:
+        return QStringLiteral("Fatal");
+    }
+    return QString();
+}
+
+Logger::LogLevel Logger::levelFromString(const QString &s)
+{
+    const QString str = s.trimmed().toLower();
+    if (str == QLatin1String("trace"))
+        return Trace;
+    if (str == QLatin1String("debug"))
+        return Debug;
+    if (str == QLatin1String("info"))
+        return Info;
+    if (str == QLatin1String("warning"))
+        return Warning;
+    if (str == QLatin1String("error"))
+        return Error;
+    if (str == QLatin1String("fatal"))
+        return Fatal;
+    return Debug;
+}
+
+void Logger::registerAppender(LoggerAbstractAppender *appender)
+{
+    QMutexLocker locker(&d->loggerMutex);
+    if (!d->appenders.contains(appender))
+        d->appenders.append(appender);
+    else
+        printToStderr("Trying to register appender that was already registered");
+}
+
+void Logger::registerCategoryAppender(const QString &category, LoggerAbstractAppender *appender)
+{
+    QMutexLocker locker(&d->loggerMutex);
+    if (!d->categoryAppenders.values().contains(appender))
+        d->categoryAppenders.insert(category, appender);
+    else
+        printToStderr("Trying to register appender that was already registered");
+}
+
+void Logger::removeAppender(LoggerAbstractAppender *appender)
+{
+    QMutexLocker locker(&d->loggerMutex);
+    d->appenders.removeAll(appender);
+    for (auto it = d->categoryAppenders.begin(); it != d->categoryAppenders.end();) {
+        if (it.value() == appender)
+            it = d->categoryAppenders.erase(it);
+        else
+            ++it;
+    }
+}
+
+void Logger::logToGlobalInstance(const QString &category, bool logToGlobal)
+{
+    Logger *global = globalInstance();
+    if (this != global) {
+        global->logToGlobalInstance(category, logToGlobal);
+        return;
+    }
+    QMutexLocker locker(&d->loggerMutex);
+    d->categories.insert(category, logToGlobal);
+}
+
+void Logger::setDefaultCategory(const QString &category)
+{
+    QMutexLocker locker(&d->loggerMutex);
+    d->defaultCategory = category;
+}
+
+QString Logger::defaultCategory() const
+{
+    return d->defaultCategory;
+}
+
+void Logger::write(Logger::LogLevel logLevel, const char *file, int line, const char *function,
+                   const char *category, const QString &message)
+{
+    write(QDateTime::currentDateTime(), logLevel, file, line, function, category, message, false);
+}
+
+void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const char *file,
+                   int line, const char *function, const char *category, const QString &message)
+{
+    write(timeStamp, logLevel, file, line, function, category, message, false);
+}
+
+void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const char *file,
+                   int line, const char *function, const char *category, const QString &message,
+                   bool fromLocalInstance)
+{
+    QMutexLocker locker(&d->loggerMutex);
+
+    QString logCategory = QString::fromLatin1(category);
+    if (logCategory.isNull() && !d->defaultCategory.isNull())
+        logCategory = d->defaultCategory;
+
+    Logger *global = globalInstance();
+    const bool isGlobalInstance = this == global;
+    const bool linkedToGlobal = isGlobalInstance && d->categories.value(logCategory, false);
+    bool wasWritten = false;
+
+    if (!logCategory.isNull()) {
+        const QList<LoggerAbstractAppender *> appenders = d->categoryAppenders.values(logCategory);
+        if (appenders.isEmpty()) {
+            if (logCategory != d->defaultCategory && !linkedToGlobal && !fromLocalInstance
+                && !d->noAppendersCategories.contains(logCategory)) {
+                std::fputs("No appenders associated with category ", stderr);
+                printToStderr(logCategory.toLocal8Bit());
+                d->noAppendersCategories.append(logCategory);
+            }
+        } else {
+            for (LoggerAbstractAppender *appender : appenders)
+                appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
+            wasWritten = true;
+        }
+    }
+
+    if (logCategory.isNull() || logCategory == d->defaultCategory || linkedToGlobal) {
+        if (d->appenders.isEmpty()) {
+            if (!noAppendersWarningPrinted.exchange(true))
+                printToStderr("No appenders registered with logger");
+        } else {
+            for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
+                appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
+            wasWritten = true;
+        }
+    }
+
+    if (!isGlobalInstance) {
+        if (!logCategory.isNull()) {
+            global->write(timeStamp, logLevel, file, line, function,
+                          logCategory.toLatin1().constData(), message, true);
+            wasWritten = true;
+        }
+        if (d->writeDefaultCategoryToGlobalInstance && logCategory == d->defaultCategory) {
+            global->write(timeStamp, logLevel, file, line, function, nullptr, message, true);
+            wasWritten = true;
+        }
+    }
+
+    if (!wasWritten && !fromLocalInstance) {
+        const QString fallback = QStringLiteral("[%1] <%2> %3")
+                                     .arg(levelToString(logLevel), -7)
+                                     .arg(LoggerAbstractStringAppender::stripFunctionName(function))
+                                     .arg(message);
+        printToStderr(fallback.toLocal8Bit());
+    }
+
+    if (logLevel == Logger::Fatal)
+        std::abort();
+}
+
+void Logger::writeAssert(const char *file, int line, const char *function, const char *condition)
+{
+    write(Logger::Fatal, file, line, function, nullptr,
+          QStringLiteral("ASSERT: \"%1\"").arg(QString::fromLatin1(condition)));
+}
+
+Logger *cuteLoggerInstance()
+{
+    return Logger::globalInstance();
+}
+
+CuteMessageLogger::~CuteMessageLogger()
+{
+    m_l->write(m_level, m_file, m_line, m_function, m_category, m_message);
+}
+
+void CuteMessageLogger::write(const char *msg, ...)
+{
+    va_list va;
+    va_start(va, msg);
+    m_message = QString::vasprintf(msg, va);
+    va_end(va);
+}
+
+void CuteMessageLogger::write(const QString &msg)
+{
+    m_message = msg;
+}
+
+QDebug CuteMessageLogger::write()
+{
+    return QDebug(&m_message);
+}
+
+// QTime as a stopwatch is part of this class's interface; its calls are deprecated in Qt 5.15.
+QT_WARNING_PUSH
+QT_WARNING_DISABLE_DEPRECATED
+
+LoggerTimingHelper::~LoggerTimingHelper()
+{
+    QString message;
+    if (m_block.isEmpty())
+        message = QStringLiteral("Function %1 finished in ")
+                      .arg(LoggerAbstractStringAppender::stripFunctionName(m_function));
+    else
+        message = QStringLiteral("\"%1\" finished in ").arg(m_block);
+
+    const int elapsed = m_timer.elapsed();
+    if (elapsed >= 10000 && m_timingMode == Logger::TimingAuto)
+        message.append(QStringLiteral("%1 s.").arg(elapsed / 1000));
+    else
+        message.append(QStringLiteral("%1 ms.").arg(elapsed));
+
+    m_logger->write(m_logLevel, m_file, m_line, m_function, nullptr, message);
+}
+
+void LoggerTimingHelper::start(const QString &block)
+{
+    m_block = block;
+    m_timer.start();
+}
+
+void LoggerTimingHelper::start(Logger::TimingMode mode, const QString &block)
+{
+    m_timingMode = mode;
+    m_block = block;
+    m_timer.start();
+}
+
+void LoggerTimingHelper::start(const char *msg, ...)
+{
+    va_list va;
+    va_start(va, msg);
+    m_block = QString().vsprintf(msg, va);
+    va_end(va);
+    m_timer.start();
+}
+
+QT_WARNING_POP

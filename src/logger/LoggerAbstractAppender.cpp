@@ -1,0 +1,36 @@
+#include <zucore/LoggerAbstractAppender.h>
+
+LoggerAbstractAppender::LoggerAbstractAppender()
+    : m_detailsLevel(Logger::Debug)
+{ }
+
+LoggerAbstractAppender::~LoggerAbstractAppender() = default;
+
+Logger::LogLevel LoggerAbstractAppender::detailsLevel() const
+{
+    QMutexLocker locker(&m_detailsLevelMutex);
+    return m_detailsLevel;
+}
+
+void LoggerAbstractAppender::setDetailsLevel(Logger::LogLevel level)
+{
+    QMutexLocker locker(&m_detailsLevelMutex);
+    m_detailsLevel = level;
+}
+
+void LoggerAbstractAppender::setDetailsLevel(const QString &level)
+{
+    setDetailsLevel(Logger::levelFromString(level));
+}
+
+void LoggerAbstractAppender::write(const QDateTime &timeStamp, Logger::LogLevel logLevel,
+                                   const char *file, int line, const char *function,
+                                   const QString &category, const QString &message)
+{
+    // The level test comes first, so that a dropped record costs neither the write mutex nor
+    // any formatting.
+    if (logLevel < detailsLevel())
+        return;
+    QMutexLocker locker(&m_writeMutex);
+    append(timeStamp, logLevel, file, line, function, category, message);
+}

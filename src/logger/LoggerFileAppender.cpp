@@ -1,0 +1,74 @@
+#include <zucore/LoggerFileAppender.h>
+
+#include <cstdio>
+
+LoggerFileAppender::LoggerFileAppender(const QString &fileName)
+{
+    setFileName(fileName);
+}
+
+LoggerFileAppender::~LoggerFileAppender()
+{
+    closeFile();
+}
+
+QString LoggerFileAppender::fileName() const
+{
+    QMutexLocker locker(&m_logFileMutex);
+    return m_logFile.fileName();
+}
+
+void LoggerFileAppender::setFileName(const QString &fileName)
+{
+    if (fileName.isEmpty()) {
+        std::fputs(
+            "<FileAppender::FileAppender> File name is empty. The appender will do nothing\n",
+            stderr);
+        std::fflush(stderr);
+    }
+    QMutexLocker locker(&m_logFileMutex);
+    if (m_logFile.isOpen())
+        m_logFile.close();
+    m_logFile.setFileName(fileName);
+}
+
+bool LoggerFileAppender::openFile()
+{
+    if (m_logFile.fileName().isEmpty())
+        return false;
+    if (m_logFile.isOpen())
+        return true;
+    if (m_logFile.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
+        m_logStream.setDevice(&m_logFile);
+        return true;
+    }
+    std::fputs("<FileAppender::append> Cannot open the log file ", stderr);
+    std::fputs(m_logFile.fileName().toLocal8Bit().constData(), stderr);
+    std::fputc('\n', stderr);
+    std::fflush(stderr);
+    return false;
+}
+
+void LoggerFileAppender::closeFile()
+{
+    QMutexLocker locker(&m_logFileMutex);
+    m_logFile.close();
+}
+
+bool LoggerFileAppender::reopenFile()
+{
+    closeFile();
+    return openFile();
+}
+
+void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel logLevel,
+                                const char *file, int line, const char *function,
+                                const QString &category, const QString &message)
+{
+    QMutexLocker locker(&m_logFileMutex);
+    if (!openFile())
+        return;
+    m_logStream << formattedString(timeStamp, logLevel, file, line, function, category, message);
+    m_logStream.flush();
+    m_logFile.flush();
+}
