@@ -125,7 +125,9 @@ void tst_Logger::logStatements()
     QCOMPARE(LoggerAbstractStringAppender::stripFunctionName(qPrintable(records.at(0).function)),
              QStringLiteral("tst_Logger::logStatements"));
     QVERIFY(records.at(0).category.isNull());
+    QCOMPARE(records.at(0).timeStamp.timeSpec(), Qt::LocalTime);
     QVERIFY(records.at(0).timeStamp.msecsTo(QDateTime::currentDateTime()) < 60000);
+    QVERIFY(records.at(0).timeStamp <= records.at(3).timeStamp);
     QCOMPARE(records.at(1).message, QStringLiteral("value 7"));
     QCOMPARE(records.at(2).level, Logger::Trace);
     QCOMPARE(records.at(3).message, QStringLiteral("plain "));
