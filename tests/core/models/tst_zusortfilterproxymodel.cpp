@@ -1,6 +1,7 @@
 #include "support/CapturingAppender.h"
 #include "support/ZuTest.h"
 
+#include <zucore/ZuAbstractTableModel.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QAbstractItemModelTester>
@@ -69,6 +70,7 @@ private slots:
     void outOfRangeGivesInvalidIndexes();
     void modelTester();
     void viewSurvivesChangesWithNotAssignedRow();
+    void cellEditRoad();
 };
 
 void TestZuSortFilterProxyModel::sorting_data()
@@ -390,6 +392,47 @@ void TestZuSortFilterProxyModel::viewSurvivesChangesWithNotAssignedRow()
     view.sortByColumn(1, Qt::DescendingOrder);
     // One row passes; the positional scheme shows source row 0 under it.
     QCOMPARE(visible(proxy), QString("0,eta"));
+}
+
+void TestZuSortFilterProxyModel::cellEditRoad()
+{
+    // An application's table behind the proxy, edited through it as a view would.
+    class Files : public ZuAbstractTableModel
+    {
+    public:
+        Files()
+        {
+            setHeaderData(0, Qt::Horizontal, "Name");
+            setHeaderData(1, Qt::Horizontal, "Size");
+            insertFromStringsList({ { "file10", "3" }, { "file2", "1" }, { "File1", "2" } });
+            submit();
+        }
+    } files;
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&files);
+    proxy.setSortColumns({ 0, 1 });
+    proxy.sort(0);
+    proxy.setSearchString("^file");
+    QCOMPARE(visible(proxy), QString("File1,file2,file10"));
+    QSignalSpy submitted(&files, &ZuAbstractTableModel::dataSubmitted);
+
+    // Re-sorted by the new display text...
+    QVERIFY(proxy.setData(proxy.index(2, 0), "file0"));
+    QCOMPARE(visible(proxy), QString("file0,File1,file2"));
+    // ...and re-filtered by it.
+    QVERIFY(proxy.setData(proxy.index(2, 0), "notes"));
+    QCOMPARE(visible(proxy), QString("file0,File1"));
+    QVERIFY(!proxy.setData(proxy.index(0, 0), "file0")); // equal value refused
+    QVERIFY(files.isDirty());
+
+    files.submit();
+    QCOMPARE(submitted.count(), 1);
+    QCOMPARE(submitted.at(0).at(0).toBool(), true);
+    QVERIFY(proxy.setData(proxy.index(0, 0), "file9"));
+    QCOMPARE(visible(proxy), QString("File1,file9"));
+    files.revert();
+    QCOMPARE(visible(proxy), QString("file0,File1"));
+    QVERIFY(!files.isDirty());
 }
 
 ZU_TEST_MAIN(TestZuSortFilterProxyModel)
