@@ -1,0 +1,534 @@
+#include <zucore/Logger.h>
+#include <zucore/ZuAbstractTableModel.h>
+
+#include <QJsonDocument>
+#include <QJsonParseError>
+#include <QJsonValue>
+
+namespace {
+
+using Cell = QPair<QVariant, QVariant>;
+using Row = QList<Cell>;
+
+const int ItemHintAnswer = 13;
+
+// JSON has one number type: Qt 5.15 keeps integral numbers as qlonglong, but a
+// loaded table holds every number as a double, as JSON gives it.
+QVariant jsonToVariant(const QJsonValue &value)
+{
+    if (value.isDouble())
+        return value.toDouble();
+    return value.toVariant();
+}
+
+} // namespace
+
+ZuAbstractTableModel::ZuAbstractTableModel(QFlags<ZuCore::ModelOption> options, QObject *parent)
+    : QAbstractTableModel(parent)
+    , modelOptions(options)
+{
+    setObjectName(QStringLiteral("ZuAbstractTableModel"));
+}
+
+ZuAbstractTableModel::~ZuAbstractTableModel() = default;
+
+bool ZuAbstractTableModel::isDirty() const
+{
+    return dirtyFlag;
+}
+
+bool ZuAbstractTableModel::isDirty(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= rowCount() || index.column() >= columnCount())
+        return false;
+    // The storage may disagree with an overridden rowCount()/columnCount();
+    // never read past it.
+    if (index.row() >= modelRows.size() || index.column() >= modelRows.at(index.row()).size())
+        return false;
+    const Cell &cell = modelRows.at(index.row()).at(index.column());
+    return cell.second != cell.first;
+}
+
+int ZuAbstractTableModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : modelRows.size();
+}
+
+int ZuAbstractTableModel::columnCount(const QModelIndex &) const
+{
+    return headerValues.size();
+}
+
+QVariant ZuAbstractTableModel::data(const QModelIndex &index, int role) const
+{
+    // The model-wide roles answer for any index, even an invalid one.
+    if (role == ModelNameRole)
+        return objectName();
+    if (role == ModelOptionsRole)
+        return int(modelOptions);
+    if (!index.isValid())
+        return QVariant();
+
+    const int row = index.row();
+    const int column = index.column();
+    // An index of another model (or an override of rowCount()) could point past
+    // the storage: answer nothing rather than read out of bounds.
+    const Cell *cell = nullptr;
+    if (row < modelRows.size() && column < modelRows.at(row).size())
+        cell = &modelRows.at(row).at(column);
+
+    switch (role) {
+    case Qt::DisplayRole:
+        return data(index, Qt::EditRole);
+    case Qt::EditRole:
+        if (!cell)
+            return QVariant();
+        return previousOnEdit ? cell->second : cell->first;
+    case ItemHintRole: {
+        if (data(index, ItemNoteRole).toString().isEmpty())
+            return QVariant();
+        const int options = data(index, ItemOptionsRole).toInt();
+        if (!(options & 1) || (options & 4))
+            return ItemHintAnswer;
+        return QVariant();
+    }
+    case ItemOptionsRole: {
+        int options = 0;
+        if (modelOptions.testFlag(ZuCore::ModelOption8))
+            options += 2;
+        if (modelOptions.testFlag(ZuCore::ModelOption16))
+            options += 1;
+        return options;
+    }
+    case ItemEditableRole:
+        return itemIsEditable(index);
+    case ItemValidRole:
+        return itemIsValid(index);
+    case RowValidRole: {
+        const int columns = columnCount();
+        for (int c = 0; c < columns; ++c) {
+            if (!data(this->index(row, c), ItemValidRole).toBool())
+                return false;
+        }
+        return true;
+    }
+    case ItemEmptyTextRole:
+        return QStringLiteral("");
+    case PreviousValueRole:
+    case PreviousValueRole2:
+        return cell ? cell->second : QVariant();
+    default:
+        return QVariant();
+    }
+}
+
+bool ZuAbstractTableModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || !index.isValid())
+        return false;
+    const int row = index.row();
+    const int column = index.column();
+    if (row >= rowCount()) {
+        LOG_ERROR() << "Invalid Row" << objectName() << row;
+        return false;
+    }
+    if (column >= columnCount()) {
+        LOG_ERROR() << "Invalid Column" << objectName() << column;
+        return false;
+    }
+    if (value == data(index, Qt::EditRole))
+        return false;
+    if (row >= modelRows.size() || column >= modelRows.at(row).size())
+        return false;
+
+    Cell &cell = modelRows[row][column];
+    cell.second = cell.first;
+    cell.first = value;
+    emit dataChanged(index, index, { Qt::EditRole });
+    dirtyFlag = true;
+    return true;
+}
+
+QVariant ZuAbstractTableModel::headerData(int section, Qt::Orientation orientation, int) const
+{
+    if (orientation != Qt::Horizontal)
+        return QVariant();
+    const auto it = headerValues.constFind(section);
+    if (it != headerValues.constEnd())
+        return it.value();
+    LOG_ERROR() << "Header data not set for section" << section;
+    return QVariant();
+}
+
+bool ZuAbstractTableModel::setHeaderData(int section, Qt::Orientation, const QVariant &value,
+                                         int role)
+{
+    if (role != Qt::EditRole)
+        return false;
+    headerValues[section] = value;
+    return true;
+}
+
+bool ZuAbstractTableModel::insertRows(int row, int count, const QModelIndex &)
+{
+    // A negative count is refused like 0: Qt's begin/end brackets can't express it.
+    if (count <= 0 || row < 0 || row > rowCount())
+        return false;
+
+    beginInsertRows(QModelIndex(), row, row + count - 1);
+    const int columns = columnCount();
+    Row fresh;
+    fresh.reserve(columns);
+    for (int c = 0; c < columns; ++c)
+        fresh.append(Cell());
+    const int at = qMin(row, modelRows.size());
+    if (at == modelRows.size()) {
+        modelRows.reserve(modelRows.size() + count);
+        for (int i = 0; i < count; ++i) {
+            modelRows.append(fresh);
+            // Each row owns its cells from the start, so a bulk load doesn't pay
+            // for a detach per row later on.
+            modelRows.last().detach();
+        }
+    } else {
+        // Build the new list in one pass instead of shifting the tail per row.
+        QList<Row> rows;
+        rows.reserve(modelRows.size() + count);
+        for (int i = 0; i < at; ++i)
+            rows.append(std::move(modelRows[i]));
+        for (int i = 0; i < count; ++i) {
+            rows.append(fresh);
+            rows.last().detach();
+        }
+        for (int i = at; i < modelRows.size(); ++i)
+            rows.append(std::move(modelRows[i]));
+        modelRows.swap(rows);
+    }
+    endInsertRows();
+    dirtyFlag = true;
+    return true;
+}
+
+bool ZuAbstractTableModel::removeRows(int row, int count, const QModelIndex &)
+{
+    // Negative positions and counts are refused too, rather than corrupt the list.
+    if (count <= 0 || row < 0 || row + count > rowCount())
+        return false;
+
+    beginRemoveRows(QModelIndex(), row, row + count - 1);
+    const int first = qMin(row, modelRows.size());
+    const int last = qMin(row + count, modelRows.size());
+    modelRows.erase(modelRows.begin() + first, modelRows.begin() + last);
+    endRemoveRows();
+    dirtyFlag = true;
+    return true;
+}
+
+Qt::ItemFlags ZuAbstractTableModel::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
+    if (!base)
+        return base;
+    // Every cell is editable to a view; the per-cell answer is ItemEditableRole.
+    return base | Qt::ItemIsEditable;
+}
+
+bool ZuAbstractTableModel::submit()
+{
+    const int rows = qMin(rowCount(), modelRows.size());
+    const int columns = columnCount();
+    for (int r = 0; r < rows; ++r) {
+        Row &cells = modelRows[r];
+        const int n = qMin(columns, cells.size());
+        for (int c = 0; c < n; ++c) {
+            Cell &cell = cells[c];
+            cell.second = cell.first;
+        }
+    }
+    const bool wasDirty = dirtyFlag;
+    emit dataSubmitted(wasDirty);
+    dirtyFlag = false;
+    return true;
+}
+
+void ZuAbstractTableModel::revertRow(int row)
+{
+    if (row < 0 || row >= rowCount() || row >= modelRows.size())
+        return;
+    const int columns = columnCount();
+    bool changed = false;
+    for (int c = 0; c < columns && c < modelRows.at(row).size(); ++c) {
+        Cell &cell = modelRows[row][c];
+        if (cell.second.isNull()) {
+            // A null previous value marks a row that was never loaded or submitted.
+            removeRows(row, 1, QModelIndex());
+            return;
+        }
+        if (cell.first != cell.second) {
+            cell.first = cell.second;
+            changed = true;
+        }
+    }
+    if (changed)
+        emit dataChanged(index(row, 0), index(row, columns - 1), {});
+}
+
+void ZuAbstractTableModel::revert()
+{
+    // From the end, so that removing a new row doesn't shift one still to come.
+    for (int row = rowCount() - 1; row >= 0; --row)
+        revertRow(row);
+    dirtyFlag = false;
+}
+
+void ZuAbstractTableModel::clear()
+{
+    dirtyFlag = false;
+    const int rows = rowCount();
+    if (rows == 0)
+        return;
+    removeRows(0, rows, QModelIndex());
+    modelRows.clear();
+}
+
+bool ZuAbstractTableModel::copy(const QModelIndex &from, const QModelIndex &to)
+{
+    if (!from.isValid() || !to.isValid())
+        return false;
+    const int source = from.row();
+    const int target = to.row();
+    const int columns = columnCount();
+    if (source < modelRows.size() && target < modelRows.size()) {
+        const Row cells = modelRows.at(source); // a copy: source and target may be one row
+        Row &targetCells = modelRows[target];
+        const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
+        for (int c = 0; c < n; ++c)
+            targetCells[c].first = cells.at(c).first;
+    }
+    if (columns > 0)
+        emit dataChanged(index(target, 0), index(target, columns - 1), {});
+    return true;
+}
+
+int ZuAbstractTableModel::itemIsEditable(const QModelIndex &) const
+{
+    return 1;
+}
+
+bool ZuAbstractTableModel::itemIsValid(const QModelIndex &) const
+{
+    return true;
+}
+
+QString ZuAbstractTableModel::itemInvalidReason(const QModelIndex &) const
+{
+    return QStringLiteral(
+        "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
+}
+
+// --- export ----------------------------------------------------------------
+
+QJsonObject ZuAbstractTableModel::toJsonObject(int row) const
+{
+    QJsonObject object;
+    const int columns = columnCount();
+    // What index() gives, decided once per row instead of once per cell.
+    const bool rowInside = row >= 0 && row < rowCount();
+    for (int c = 0; c < columns; ++c) {
+        QVariant key = headerData(c, Qt::Horizontal, Qt::EditRole);
+        if (!key.isValid())
+            key = headerData(c, Qt::Horizontal, Qt::DisplayRole);
+        const QModelIndex cell = rowInside ? createIndex(row, c) : QModelIndex();
+        object.insert(key.toString(), QJsonValue::fromVariant(data(cell, Qt::EditRole)));
+    }
+    return object;
+}
+
+QJsonArray ZuAbstractTableModel::toJsonArray() const
+{
+    QJsonArray array;
+    const int rows = rowCount();
+    for (int r = 0; r < rows; ++r) {
+        const QJsonObject object = toJsonObject(r);
+        if (!object.isEmpty())
+            array.append(object);
+    }
+    return array;
+}
+
+QString ZuAbstractTableModel::toJsonString() const
+{
+    return QString::fromUtf8(QJsonDocument(toJsonArray()).toJson(QJsonDocument::Compact));
+}
+
+QStringList ZuAbstractTableModel::toStrings(int row) const
+{
+    QStringList strings;
+    const int columns = columnCount();
+    strings.reserve(columns);
+    for (int c = 0; c < columns; ++c)
+        strings.append(data(index(row, c), Qt::EditRole).toString());
+    return strings;
+}
+
+QList<QStringList> ZuAbstractTableModel::toStringsList() const
+{
+    QList<QStringList> list;
+    const int rows = rowCount();
+    list.reserve(rows);
+    for (int r = 0; r < rows; ++r)
+        list.append(toStrings(r));
+    return list;
+}
+
+// --- import ----------------------------------------------------------------
+
+bool ZuAbstractTableModel::fromJsonObject(int row, const QJsonObject &object)
+{
+    // A row outside the storage is not written, but the columns are still
+    // looked up and reported as for any other row.
+    Row *cells = (row >= 0 && row < modelRows.size()) ? &modelRows[row] : nullptr;
+    const int columns = columnCount();
+    for (int c = 0; c < columns; ++c) {
+        QString name = headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
+        auto it = object.constFind(name);
+        if (it == object.constEnd()) {
+            name = headerData(c, Qt::Horizontal, Qt::EditRole).toString();
+            it = object.constFind(name);
+        }
+        if (it == object.constEnd()) {
+            LOG_WARNING() << objectName() << name << "Col name not found in model.";
+            continue;
+        }
+        if (cells && c < cells->size()) {
+            Cell &cell = (*cells)[c];
+            cell.first = jsonToVariant(it.value());
+            cell.second = cell.first; // shares the value's data
+        }
+    }
+    return true;
+}
+
+bool ZuAbstractTableModel::insertFromJsonObject(const QJsonObject &object)
+{
+    const int row = rowCount();
+    if (!insertRows(row, 1, QModelIndex())) {
+        LOG_ERROR() << objectName() << "Unable to insert rows.";
+        return false;
+    }
+    return fromJsonObject(row, object);
+}
+
+bool ZuAbstractTableModel::insertFromJsonArray(const QJsonArray &array)
+{
+    if (array.isEmpty())
+        return false;
+    const int first = rowCount();
+    const int count = array.size();
+    if (!insertRows(first, count, QModelIndex())) {
+        LOG_ERROR() << objectName() << "Unable to insert rows.";
+        return false;
+    }
+    int row = first;
+    for (const QJsonValue &element : array)
+        fromJsonObject(row++, element.toObject());
+    const int columns = columnCount();
+    // Without columns there is no cell to name in the notification.
+    if (columns > 0)
+        emit dataChanged(index(first, 0), index(first + count - 1, columns - 1), {});
+    dirtyFlag = false;
+    return true;
+}
+
+bool ZuAbstractTableModel::insertFromJsonString(const QString &json)
+{
+    if (json.isEmpty())
+        return false;
+    QJsonParseError parseError;
+    QJsonDocument document = QJsonDocument::fromJson(json.toUtf8(), &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        const int code = int(parseError.error);
+        LOG_ERROR() << objectName() << code << parseError.errorString();
+        emit error(QStringLiteral("Insert Error [%1]").arg(code), parseError.errorString());
+        return false;
+    }
+    if (!document.isArray()) {
+        const QString text = QStringLiteral("JSON Document is not an array.");
+        LOG_ERROR() << objectName() << "JSON Document is not an array.";
+        emit error(QStringLiteral("Insert Error"), text);
+        return false;
+    }
+    // Keep only the array alive while the rows are built: the document is big.
+    const QJsonArray array = document.array();
+    document = QJsonDocument();
+    return insertFromJsonArray(array);
+}
+
+bool ZuAbstractTableModel::insertFromStrings(const QStringList &strings)
+{
+    const int columns = columnCount();
+    if (strings.size() != columns) {
+        LOG_ERROR() << objectName()
+                    << QStringLiteral("Mismatched counts: Items Count = %1  columnCount=%2")
+                           .arg(strings.size())
+                           .arg(columns);
+        return false;
+    }
+    const int row = rowCount();
+    if (!insertRows(row, 1, QModelIndex())) {
+        LOG_ERROR() << objectName() << "Unable to insert rows.";
+        return false;
+    }
+    if (row < modelRows.size()) {
+        Row &cells = modelRows[row];
+        const int n = qMin(columns, cells.size());
+        for (int c = 0; c < n; ++c) {
+            const QVariant value(strings.at(c));
+            cells[c] = Cell(value, value);
+        }
+    }
+    if (columns > 0)
+        emit dataChanged(index(row, 0), index(row, columns - 1), {});
+    dirtyFlag = true;
+    return true;
+}
+
+bool ZuAbstractTableModel::insertFromStringsList(const QList<QStringList> &list)
+{
+    const int columns = columnCount();
+    for (int i = 0; i < list.size(); ++i) {
+        if (list.at(i).size() != columns) {
+            LOG_ERROR() << objectName()
+                        << QStringLiteral(
+                               "Mismatched counts at index:%1 Items Count = %2  columnCount=%3")
+                               .arg(i)
+                               .arg(list.at(i).size())
+                               .arg(columns);
+            return false;
+        }
+    }
+    if (list.isEmpty())
+        return false;
+    const int first = rowCount();
+    const int count = list.size();
+    if (!insertRows(first, count, QModelIndex())) {
+        LOG_ERROR() << objectName() << "Unable to insert rows.";
+        return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        const int row = first + i;
+        if (row >= modelRows.size())
+            break;
+        Row &cells = modelRows[row];
+        const QStringList &strings = list.at(i);
+        const int n = qMin(columns, cells.size());
+        for (int c = 0; c < n; ++c) {
+            const QVariant value(strings.at(c));
+            cells[c] = Cell(value, value);
+        }
+    }
+    if (columns > 0)
+        emit dataChanged(index(first, 0), index(first + count - 1, columns - 1), {});
+    dirtyFlag = true;
+    return true;
+}

@@ -1,0 +1,437 @@
+#include "platform/NaturalCompare.h"
+
+#include <zucore/Logger.h>
+#include <zucore/ZuSortFilterProxyModel.h>
+
+#include <QFont>
+#include <QHash>
+#include <QMap>
+#include <QRegularExpression>
+
+namespace {
+
+// Answered in place of the display role in the selection column when asked to.
+constexpr int SelectionRole = Qt::UserRole + 1;
+
+} // namespace
+
+class ZuSortFilterProxyModelPrivate
+{
+public:
+    explicit ZuSortFilterProxyModelPrivate(ZuSortFilterProxyModel *proxy)
+        : q(proxy)
+    { }
+
+    // The compiled form of a pattern, made once and shared by every cell and
+    // row of the filter passes that use it.
+    const QRegularExpression &compiled(const QString &pattern)
+    {
+        auto it = compiledPatterns.constFind(pattern);
+        if (it == compiledPatterns.cend())
+            it = compiledPatterns.insert(
+                pattern, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption));
+        return *it;
+    }
+
+    bool matches(const QString &pattern, const QModelIndex &cell)
+    {
+        const QRegularExpression &expression = compiled(pattern);
+        // An expression that doesn't compile matches nothing; asking QString
+        // would also warn once per cell.
+        if (!expression.isValid())
+            return false;
+        const QString text = cell.model()->data(cell, Qt::DisplayRole).toString();
+        return text.indexOf(expression, 0) != -1;
+    }
+
+    int selectionRoleColumn = 1;
+    bool notAssignedRowEnabled = false;
+    bool useSelectionRole = false;
+    bool searchInverted = false;
+    QString notAssignedText = QStringLiteral("Not Assigned");
+    int filterMode = ZuSortFilterProxyModel::orFilterMode;
+    QMap<int, QString> filterFixedStrings;
+    QMap<int, QString> searchStrings;
+    QList<int> searchColumns;
+    QList<int> sortColumns;
+    ZuSortFilterProxyModel *q;
+
+    QHash<QString, QRegularExpression> compiledPatterns;
+};
+
+namespace {
+
+QString displayText(const QAbstractItemModel *model, const QModelIndex &index)
+{
+    return index.isValid() ? model->data(index, Qt::DisplayRole).toString() : QString();
+}
+
+} // namespace
+
+ZuSortFilterProxyModel::ZuSortFilterProxyModel(QObject *parent)
+    : QSortFilterProxyModel(parent)
+    , d(new ZuSortFilterProxyModelPrivate(this))
+{
+    setDynamicSortFilter(true);
+    setSortCaseSensitivity(Qt::CaseInsensitive);
+}
+
+ZuSortFilterProxyModel::~ZuSortFilterProxyModel() = default;
+
+void ZuSortFilterProxyModel::setSortColumns(const QList<int> &columns)
+{
+    d->sortColumns = columns;
+}
+
+QList<int> ZuSortFilterProxyModel::sortColumns() const
+{
+    return d->sortColumns;
+}
+
+void ZuSortFilterProxyModel::addSortColumn(int column)
+{
+    d->sortColumns.append(column);
+}
+
+void ZuSortFilterProxyModel::addSortColumns(const QList<int> &columns)
+{
+    d->sortColumns.append(columns);
+}
+
+void ZuSortFilterProxyModel::clearSortColumns()
+{
+    d->sortColumns.clear();
+}
+
+void ZuSortFilterProxyModel::setSearchColumns(const QList<int> &columns)
+{
+    d->searchColumns = columns;
+}
+
+QList<int> ZuSortFilterProxyModel::searchColumns() const
+{
+    return d->searchColumns;
+}
+
+void ZuSortFilterProxyModel::addSearchColumn(int column)
+{
+    d->searchColumns.append(column);
+}
+
+void ZuSortFilterProxyModel::addSearchColumns(const QList<int> &columns)
+{
+    d->searchColumns.append(columns);
+}
+
+void ZuSortFilterProxyModel::clearSearchColumns()
+{
+    d->searchColumns.clear();
+}
+
+bool ZuSortFilterProxyModel::notAssignedRowEnabled() const
+{
+    return d->notAssignedRowEnabled;
+}
+
+void ZuSortFilterProxyModel::setNotAssignedRowEnabled(bool enabled)
+{
+    d->notAssignedRowEnabled = enabled;
+}
+
+QString ZuSortFilterProxyModel::notAssignedText() const
+{
+    return d->notAssignedText;
+}
+
+void ZuSortFilterProxyModel::setNotAssignedText(const QString &text)
+{
+    d->notAssignedText = text;
+}
+
+bool ZuSortFilterProxyModel::useSelectionRole() const
+{
+    return d->useSelectionRole;
+}
+
+void ZuSortFilterProxyModel::setUseSelectionRole(bool use)
+{
+    d->useSelectionRole = use;
+}
+
+int ZuSortFilterProxyModel::selectionRoleColumn() const
+{
+    return d->selectionRoleColumn;
+}
+
+void ZuSortFilterProxyModel::setSelectionRoleColumn(int column)
+{
+    d->selectionRoleColumn = column;
+}
+
+ZuSortFilterProxyModel::FilterModes ZuSortFilterProxyModel::filterMode() const
+{
+    return FilterModes(d->filterMode);
+}
+
+void ZuSortFilterProxyModel::setFilterMode(FilterModes mode)
+{
+    d->filterMode = mode;
+}
+
+void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
+{
+    d->searchStrings.clear();
+    d->searchInverted = inverted;
+    if (!text.isEmpty()) {
+        if (d->searchColumns.isEmpty()) {
+            const int columns = columnCount();
+            for (int column = 0; column < columns; ++column)
+                d->searchStrings.insert(column, text);
+        } else {
+            for (const int column : qAsConst(d->searchColumns))
+                d->searchStrings.insert(column, text);
+        }
+    }
+    d->compiledPatterns.clear();
+    invalidateFilter();
+    emit dataChanged(QModelIndex(), QModelIndex());
+}
+
+QString ZuSortFilterProxyModel::searchString() const
+{
+    if (d->searchColumns.isEmpty())
+        return QString();
+    return d->searchStrings[d->searchColumns.first()];
+}
+
+void ZuSortFilterProxyModel::addFilterKeyColumn(int column)
+{
+    d->filterFixedStrings.insert(column, QString());
+}
+
+void ZuSortFilterProxyModel::addFilterFixedString(int column, const QString &text)
+{
+    const auto it = d->filterFixedStrings.find(column);
+    if (it == d->filterFixedStrings.end())
+        return;
+    *it = text;
+    // Patterns no longer in use would only pile up.
+    d->compiledPatterns.clear();
+}
+
+QModelIndex ZuSortFilterProxyModel::matchValue(const QVariant &value, int column, int role) const
+{
+    const QModelIndex start = index(0, column, QModelIndex());
+    if (!start.isValid())
+        return QModelIndex();
+    const QModelIndexList hits = match(start, role, value, 1, Qt::MatchExactly);
+    return hits.value(0);
+}
+
+QModelIndex ZuSortFilterProxyModel::index(int row, int column, const QModelIndex &parent) const
+{
+    if (row < 0 || row >= rowCount(QModelIndex()))
+        return QModelIndex();
+    if (!d->notAssignedRowEnabled)
+        return QSortFilterProxyModel::index(row, column, parent);
+    if (column < 0 || column >= columnCount(QModelIndex()))
+        return QModelIndex();
+    return createIndex(row, column, quintptr(0));
+}
+
+QModelIndex ZuSortFilterProxyModel::parent(const QModelIndex &child) const
+{
+    Q_UNUSED(child)
+    return QModelIndex();
+}
+
+// Indexes made while the extra row is on carry no mapping of the base class,
+// which would read one out of them: their siblings are plain indexes of this
+// proxy. The base class asks for siblings of its own indexes when it re-sorts
+// an edited row, and gets them in its own terms.
+QModelIndex ZuSortFilterProxyModel::sibling(int row, int column, const QModelIndex &idx) const
+{
+    if (!idx.isValid() || idx.model() != this)
+        return QModelIndex();
+    if (idx.internalPointer())
+        return QSortFilterProxyModel::sibling(row, column, idx);
+    return index(row, column, QModelIndex());
+}
+
+int ZuSortFilterProxyModel::rowCount(const QModelIndex &parent) const
+{
+    Q_UNUSED(parent)
+    const int rows = QSortFilterProxyModel::rowCount(QModelIndex());
+    return d->notAssignedRowEnabled ? rows + 1 : rows;
+}
+
+QVariant ZuSortFilterProxyModel::data(const QModelIndex &index, int role) const
+{
+    const int row = index.row();
+    const int column = index.column();
+    if (d->notAssignedRowEnabled && index.isValid() && row == 0) {
+        switch (role) {
+        case Qt::DisplayRole:
+            if (column == d->selectionRoleColumn)
+                return d->notAssignedText;
+            if (column == 0)
+                return 0;
+            return QVariant();
+        case Qt::EditRole:
+            return 0;
+        case Qt::FontRole:
+            if (column == d->selectionRoleColumn) {
+                QFont font;
+                font.setItalic(true);
+                return font;
+            }
+            return QVariant();
+        default:
+            return QVariant();
+        }
+    }
+    const QModelIndex cell = this->index(row, column, QModelIndex());
+    if (d->useSelectionRole && column == d->selectionRoleColumn && role == Qt::DisplayRole)
+        return QSortFilterProxyModel::data(cell, SelectionRole);
+    return QSortFilterProxyModel::data(cell, role);
+}
+
+QVariant ZuSortFilterProxyModel::headerData(int section, Qt::Orientation orientation,
+                                            int role) const
+{
+    if (!d->notAssignedRowEnabled)
+        return QSortFilterProxyModel::headerData(section, orientation, role);
+    const QAbstractItemModel *source = sourceModel();
+    if (orientation == Qt::Vertical && section == 0)
+        return 0;
+    if (!source)
+        return QVariant();
+    if (orientation == Qt::Horizontal)
+        return source->headerData(section, orientation, role);
+    return source->headerData(section - 1, Qt::Vertical, role);
+}
+
+Qt::ItemFlags ZuSortFilterProxyModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    if (d->notAssignedRowEnabled && index.row() == 0)
+        return Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    return QSortFilterProxyModel::flags(this->index(index.row(), index.column(), QModelIndex()));
+}
+
+QModelIndex ZuSortFilterProxyModel::mapToSource(const QModelIndex &proxyIndex) const
+{
+    if (!proxyIndex.isValid())
+        return QModelIndex();
+    if (d->notAssignedRowEnabled) {
+        const QAbstractItemModel *source = sourceModel();
+        if (!source)
+            return QModelIndex();
+        return source->index(proxyIndex.row() - 1, proxyIndex.column(), QModelIndex());
+    }
+    // An index made while the extra row was on carries no mapping of the base
+    // class, nor does one of another model: neither can be mapped.
+    if (proxyIndex.model() != this || !proxyIndex.internalPointer())
+        return QModelIndex();
+    return QSortFilterProxyModel::mapToSource(proxyIndex);
+}
+
+QModelIndex ZuSortFilterProxyModel::mapFromSource(const QModelIndex &sourceIndex) const
+{
+    if (!sourceIndex.isValid())
+        return QModelIndex();
+    if (d->notAssignedRowEnabled)
+        return index(sourceIndex.row() + 1, sourceIndex.column(), QModelIndex());
+    return QSortFilterProxyModel::mapFromSource(sourceIndex);
+}
+
+bool ZuSortFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const
+{
+    // Lookups below use operator[] on purpose: a column visited gets an entry,
+    // so that addFilterFixedString() works for it afterwards.
+    QMap<int, QString> &filters = d->filterFixedStrings;
+    QMap<int, QString> &searches = d->searchStrings;
+    if (filters.isEmpty() && searches.isEmpty())
+        return true;
+    const QAbstractItemModel *source = sourceModel();
+    if (!source)
+        return true;
+    if (sourceRow < 0 || sourceRow >= source->rowCount(QModelIndex()))
+        LOG_ERROR("%d", sourceRow);
+
+    const int columns = source->columnCount(QModelIndex());
+    bool anyPattern = false;
+    for (int column = 0; column < columns && !anyPattern; ++column)
+        anyPattern = !filters[column].isEmpty() || !searches[column].isEmpty();
+    if (!anyPattern)
+        return true;
+
+    const bool andMode = d->filterMode == andFilterMode;
+    bool result = true;
+    for (auto it = filters.cbegin(), end = filters.cend(); it != end; ++it) {
+        const QModelIndex cell = source->index(sourceRow, it.key(), sourceParent);
+        if (!cell.isValid()) {
+            LOG_ERROR("%d", sourceRow);
+            return result;
+        }
+        if (it.value().isEmpty())
+            continue;
+        result = andMode;
+        const bool hit = d->matches(it.value(), cell);
+        if (!andMode && hit) {
+            result = true;
+            break;
+        }
+        if (andMode && !hit) {
+            result = false;
+            break;
+        }
+    }
+    if (!result)
+        return false;
+
+    const bool inverted = d->searchInverted;
+    result = true;
+    for (auto it = searches.cbegin(), end = searches.cend(); it != end; ++it) {
+        const QModelIndex cell = source->index(sourceRow, it.key(), sourceParent);
+        if (!cell.isValid()) {
+            LOG_ERROR("%d", sourceRow);
+            return result;
+        }
+        if (it.value().isEmpty())
+            continue;
+        result = inverted || andMode;
+        const bool hit = d->matches(it.value(), cell);
+        if (inverted) {
+            if (hit)
+                return false;
+        } else if (!andMode) {
+            if (hit)
+                return true;
+        } else if (!hit) {
+            return false;
+        }
+    }
+    return result;
+}
+
+bool ZuSortFilterProxyModel::lessThan(const QModelIndex &left, const QModelIndex &right) const
+{
+    const QAbstractItemModel *source = sourceModel();
+    if (!source)
+        return false;
+    if (d->sortColumns.isEmpty())
+        return ZuPlatform::naturalCompare(displayText(source, left), displayText(source, right))
+            == -1;
+    for (const int column : qAsConst(d->sortColumns)) {
+        const int order = ZuPlatform::naturalCompare(
+            displayText(source, source->index(left.row(), column, QModelIndex())),
+            displayText(source, source->index(right.row(), column, QModelIndex())));
+        if (order == -1)
+            return true;
+        if (order != 0)
+            return false;
+    }
+    return false;
+}
