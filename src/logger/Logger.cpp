@@ -1,3 +1,5 @@
+#include "logger/LoggerLocks_p.h"
+
 #include <zucore/Logger.h>
 #include <zucore/LoggerAbstractAppender.h>
 #include <zucore/LoggerAbstractStringAppender.h>
@@ -72,7 +74,7 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
 
 void cleanupLoggerGlobalInstance()
 {
-    QWriteLocker locker(&globalInstanceLock);
+    ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
     delete globalInstancePtr;
     globalInstancePtr = nullptr;
 }
@@ -93,7 +95,7 @@ Logger::Logger(const QString &defaultCategory, bool writeToGlobalInstance)
 Logger::~Logger()
 {
     {
-        QMutexLocker locker(&d->loggerMutex);
+        ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
         QSet<LoggerAbstractAppender *> owned;
         for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
             owned.insert(appender);
@@ -108,11 +110,11 @@ Logger::~Logger()
 Logger *Logger::globalInstance()
 {
     {
-        QReadLocker locker(&globalInstanceLock);
+        ZuLoggerLocks::ReadLocker locker(&globalInstanceLock);
         if (globalInstancePtr)
             return globalInstancePtr;
     }
-    QWriteLocker locker(&globalInstanceLock);
+    ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
     // Another thread may have won the race between the two locks.
     if (!globalInstancePtr) {
         globalInstancePtr = new Logger;
@@ -161,7 +163,7 @@ Logger::LogLevel Logger::levelFromString(const QString &s)
 
 void Logger::registerAppender(LoggerAbstractAppender *appender)
 {
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
     if (!d->appenders.contains(appender))
         d->appenders.append(appender);
     else
@@ -170,7 +172,7 @@ void Logger::registerAppender(LoggerAbstractAppender *appender)
 
 void Logger::registerCategoryAppender(const QString &category, LoggerAbstractAppender *appender)
 {
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
     if (!d->categoryAppenders.values().contains(appender))
         d->categoryAppenders.insert(category, appender);
     else
@@ -179,7 +181,7 @@ void Logger::registerCategoryAppender(const QString &category, LoggerAbstractApp
 
 void Logger::removeAppender(LoggerAbstractAppender *appender)
 {
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
     d->appenders.removeAll(appender);
     for (auto it = d->categoryAppenders.begin(); it != d->categoryAppenders.end();) {
         if (it.value() == appender)
@@ -196,13 +198,13 @@ void Logger::logToGlobalInstance(const QString &category, bool logToGlobal)
         global->logToGlobalInstance(category, logToGlobal);
         return;
     }
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
     d->categories.insert(category, logToGlobal);
 }
 
 void Logger::setDefaultCategory(const QString &category)
 {
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
     d->defaultCategory = category;
 }
 
@@ -227,7 +229,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                    int line, const char *function, const char *category, const QString &message,
                    bool fromLocalInstance)
 {
-    QMutexLocker locker(&d->loggerMutex);
+    ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
 
     QString logCategory = QString::fromLatin1(category);
     if (logCategory.isNull() && !d->defaultCategory.isNull())

@@ -1,3 +1,5 @@
+#include "logger/LoggerLocks_p.h"
+
 #include <zucore/LoggerAbstractAppender.h>
 
 LoggerAbstractAppender::LoggerAbstractAppender()
@@ -8,13 +10,13 @@ LoggerAbstractAppender::~LoggerAbstractAppender() = default;
 
 Logger::LogLevel LoggerAbstractAppender::detailsLevel() const
 {
-    QMutexLocker locker(&m_detailsLevelMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
     return m_detailsLevel;
 }
 
 void LoggerAbstractAppender::setDetailsLevel(Logger::LogLevel level)
 {
-    QMutexLocker locker(&m_detailsLevelMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
     m_detailsLevel = level;
 }
 
@@ -31,6 +33,6 @@ void LoggerAbstractAppender::write(const QDateTime &timeStamp, Logger::LogLevel 
     // any formatting.
     if (logLevel < detailsLevel())
         return;
-    QMutexLocker locker(&m_writeMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_writeMutex);
     append(timeStamp, logLevel, file, line, function, category, message);
 }

@@ -1,3 +1,5 @@
+#include "logger/LoggerLocks_p.h"
+
 #include <zucore/LoggerAbstractStringAppender.h>
 
 #include <QCoreApplication>
@@ -153,13 +155,13 @@ LoggerAbstractStringAppender::LoggerAbstractStringAppender()
 
 QString LoggerAbstractStringAppender::format() const
 {
-    QReadLocker locker(&m_formatLock);
+    ZuLoggerLocks::ReadLocker locker(&m_formatLock);
     return m_format;
 }
 
 void LoggerAbstractStringAppender::setFormat(const QString &format)
 {
-    QWriteLocker locker(&m_formatLock);
+    ZuLoggerLocks::WriteLocker locker(&m_formatLock);
     m_format = format;
 }
 

@@ -1,3 +1,5 @@
+#include "logger/LoggerLocks_p.h"
+
 #include <zucore/LoggerFileAppender.h>
 
 #include <cstdio>
@@ -14,7 +16,7 @@ LoggerFileAppender::~LoggerFileAppender()
 
 QString LoggerFileAppender::fileName() const
 {
-    QMutexLocker locker(&m_logFileMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
     return m_logFile.fileName();
 }
 
@@ -26,7 +28,7 @@ void LoggerFileAppender::setFileName(const QString &fileName)
             stderr);
         std::fflush(stderr);
     }
-    QMutexLocker locker(&m_logFileMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
     if (m_logFile.isOpen())
         m_logFile.close();
     m_logFile.setFileName(fileName);
@@ -51,7 +53,7 @@ bool LoggerFileAppender::openFile()
 
 void LoggerFileAppender::closeFile()
 {
-    QMutexLocker locker(&m_logFileMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
     m_logFile.close();
 }
 
@@ -65,7 +67,7 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
                                 const char *file, int line, const char *function,
                                 const QString &category, const QString &message)
 {
-    QMutexLocker locker(&m_logFileMutex);
+    ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
     if (!openFile())
         return;
     m_logStream << formattedString(timeStamp, logLevel, file, line, function, category, message);
