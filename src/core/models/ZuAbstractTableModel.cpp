@@ -256,16 +256,19 @@ void ZuAbstractTableModel::revertRow(int row)
     if (row < 0 || row >= rowCount() || row >= modelRows.size())
         return;
     const int columns = columnCount();
+    const int stored = qMin(columns, modelRows.at(row).size());
     bool changed = false;
-    for (int c = 0; c < columns && c < modelRows.at(row).size(); ++c) {
-        Cell &cell = modelRows[row][c];
+    for (int c = 0; c < stored; ++c) {
+        // Read without detaching; most cells of a table are unchanged.
+        const Cell &cell = modelRows.at(row).at(c);
         if (cell.second.isNull()) {
             // A null previous value marks a row that was never loaded or submitted.
             removeRows(row, 1, QModelIndex());
             return;
         }
         if (cell.first != cell.second) {
-            cell.first = cell.second;
+            Cell &target = modelRows[row][c];
+            target.first = target.second;
             changed = true;
         }
     }
@@ -328,24 +331,52 @@ QString ZuAbstractTableModel::itemInvalidReason(const QModelIndex &) const
 
 // --- export ----------------------------------------------------------------
 
+struct ZuAbstractTableModel::ExportKeys
+{
+    QStringList keys;
+    // Every key with a null value: copying it and replacing the values is far
+    // cheaper than growing a fresh object member by member for each row.
+    QJsonObject rowTemplate;
+};
+
+QString ZuAbstractTableModel::exportKey(int column) const
+{
+    QVariant key = headerData(column, Qt::Horizontal, Qt::EditRole);
+    if (!key.isValid())
+        key = headerData(column, Qt::Horizontal, Qt::DisplayRole);
+    return key.toString();
+}
+
 QJsonObject ZuAbstractTableModel::toJsonObject(int row) const
 {
-    QJsonObject object;
     const int columns = columnCount();
+    const ExportKeys *cached
+        = (exportKeys && exportKeys->keys.size() == columns) ? exportKeys : nullptr;
+    QJsonObject object = cached ? cached->rowTemplate : QJsonObject();
     // What index() gives, decided once per row instead of once per cell.
     const bool rowInside = row >= 0 && row < rowCount();
     for (int c = 0; c < columns; ++c) {
-        QVariant key = headerData(c, Qt::Horizontal, Qt::EditRole);
-        if (!key.isValid())
-            key = headerData(c, Qt::Horizontal, Qt::DisplayRole);
         const QModelIndex cell = rowInside ? createIndex(row, c) : QModelIndex();
-        object.insert(key.toString(), QJsonValue::fromVariant(data(cell, Qt::EditRole)));
+        const QJsonValue value = QJsonValue::fromVariant(data(cell, Qt::EditRole));
+        // Later columns overwrite earlier ones of the same key, as in a fresh object.
+        object.insert(cached ? cached->keys.at(c) : exportKey(c), value);
     }
     return object;
 }
 
 QJsonArray ZuAbstractTableModel::toJsonArray() const
 {
+    // The keys can't change while rows are read: ask the headers once.
+    ExportKeys keys;
+    const int columns = columnCount();
+    keys.keys.reserve(columns);
+    for (int c = 0; c < columns; ++c) {
+        keys.keys.append(exportKey(c));
+        keys.rowTemplate.insert(keys.keys.last(), QJsonValue());
+    }
+    const ExportKeys *outer = exportKeys;
+    exportKeys = &keys;
+
     QJsonArray array;
     const int rows = rowCount();
     for (int r = 0; r < rows; ++r) {
@@ -353,6 +384,7 @@ QJsonArray ZuAbstractTableModel::toJsonArray() const
         if (!object.isEmpty())
             array.append(object);
     }
+    exportKeys = outer;
     return array;
 }
 

@@ -219,4 +219,11 @@ protected:
     int previousOnEdit = 0;
     /** The constructor's flags, unchanged. */
     QFlags<ZuCore::ModelOption> modelOptions;
+
+private:
+    QString exportKey(int column) const;
+
+    // The column keys of the export in progress, asked once per toJsonArray().
+    struct ExportKeys;
+    mutable const ExportKeys *exportKeys = nullptr;
 };

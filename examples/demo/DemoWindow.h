@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+class CustomerModel;
+class QLabel;
+class QTableView;
+class ZuSortFilterProxyModel;
+
+// A table view over the customers, sorted by city and then name, with a
+// search field, Submit and Revert buttons and a line that tells whether there
+// is something to submit.
+class DemoWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DemoWindow(CustomerModel *model, QWidget *parent = nullptr);
+
+private:
+    void updateState();
+
+    CustomerModel *m_model;
+    ZuSortFilterProxyModel *m_proxy;
+    QTableView *m_view;
+    QLabel *m_state;
+};

@@ -1,0 +1,110 @@
+// The demo of zucore's table model: rows loaded from JSON, edits that can be
+// submitted or reverted, shown sorted by two columns and searched through a
+// sort/filter proxy. Headless it prints each step; with --gui it opens a
+// table view with a search field and Submit and Revert buttons.
+#include "CustomerModel.h"
+#include "DemoWindow.h"
+
+#include <zucore/ZuSortFilterProxyModel.h>
+
+#include <QApplication>
+#include <QTextStream>
+
+namespace {
+
+const char *const customers = R"([
+  {"name": "Ada",   "city": "London", "balance": 120.5},
+  {"name": "Linus", "city": "Turku",  "balance": 0},
+  {"name": "Grace", "city": "Arlington", "balance": 42},
+  {"name": "Alan",  "city": "London", "balance": 7},
+  {"name": "Barbara", "city": "arlington", "balance": 64}
+])";
+
+QTextStream &out()
+{
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+void printCell(const CustomerModel &model, int row, int column)
+{
+    const QModelIndex index = model.index(row, column);
+    out() << "  cell (" << row << ", " << column
+          << ") = " << model.data(index, Qt::EditRole).toString() << ", previous "
+          << model.data(index, ZuAbstractTableModel::PreviousValueRole).toString()
+          << ", isDirty(cell) " << (model.isDirty(index) ? "true" : "false") << ", isDirty() "
+          << (model.isDirty() ? "true" : "false") << Qt::endl;
+}
+
+void printRows(const QAbstractItemModel &proxy)
+{
+    for (int row = 0; row < proxy.rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < proxy.columnCount(); ++column)
+            cells << proxy.index(row, column).data().toString();
+        out() << "  " << cells.join(QStringLiteral(" | ")) << Qt::endl;
+    }
+}
+
+int runHeadless(CustomerModel &model)
+{
+    QObject::connect(&model, &CustomerModel::dataSubmitted, [](bool wasDirty) {
+        out() << "  dataSubmitted(wasDirty = " << (wasDirty ? "true" : "false") << ")" << Qt::endl;
+    });
+    const int city = CustomerModel::City;
+
+    out() << "load " << model.rowCount() << " rows from JSON:" << Qt::endl;
+    for (const QStringList &row : model.toStringsList())
+        out() << "  " << row.join(QStringLiteral(" | ")) << Qt::endl;
+
+    out() << "edit the city of row 0 to Paris:" << Qt::endl;
+    model.setData(model.index(0, city), QStringLiteral("Paris"));
+    printCell(model, 0, city);
+
+    out() << "revert:" << Qt::endl;
+    model.revert();
+    printCell(model, 0, city);
+
+    out() << "edit again to Oslo, then submit:" << Qt::endl;
+    model.setData(model.index(0, city), QStringLiteral("Oslo"));
+    printCell(model, 0, city);
+    model.submit();
+    printCell(model, 0, city);
+
+    out() << "a negative balance is kept but flagged invalid:" << Qt::endl;
+    model.setData(model.index(1, CustomerModel::Balance), -5);
+    const QModelIndex balance = model.index(1, CustomerModel::Balance);
+    out() << "  row 1 valid: "
+          << (model.data(balance, ZuAbstractTableModel::RowValidRole).toBool() ? "true" : "false")
+          << " (" << model.itemInvalidReason(balance) << ")" << Qt::endl;
+    model.revert();
+
+    out() << "sorted by city, then name (natural order, case aside):" << Qt::endl;
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    proxy.setSortColumns({ CustomerModel::City, CustomerModel::Name });
+    proxy.sort(CustomerModel::City);
+    printRows(proxy);
+    out() << "search \"on\" in any column:" << Qt::endl;
+    proxy.setSearchString(QStringLiteral("on"));
+    printRows(proxy);
+
+    out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
+    return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    CustomerModel model;
+    if (!model.insertFromJsonString(QString::fromUtf8(customers)))
+        return 1;
+    if (!app.arguments().contains(QStringLiteral("--gui")))
+        return runHeadless(model);
+
+    DemoWindow window(&model);
+    window.show();
+    return app.exec();
+}

@@ -1,0 +1,64 @@
+#include "support/ZuTest.h"
+
+#include <zucore/ZuCrc.h>
+
+#include <QRandomGenerator>
+
+#include <zlib.h>
+
+class tst_ZuCrc : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void checkValues_data();
+    void checkValues();
+    void agreesWithZlib();
+};
+
+void tst_ZuCrc::checkValues_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<int>("length");
+    QTest::addColumn<uint>("crc");
+    QTest::newRow("123456789") << QByteArray("123456789") << 9 << 0xCBF43926u;
+    QTest::newRow("front only") << QByteArray("123456789abc") << 9 << 0xCBF43926u;
+    QTest::newRow("fox") << QByteArray("The quick brown fox jumps over the lazy dog") << 43
+                         << 0x414FA339u;
+    QTest::newRow("one zero byte") << QByteArray(1, '\0') << 1 << 0xD202EF8Du;
+    QTest::newRow("length 0") << QByteArray("abc") << 0 << 0u;
+    QTest::newRow("negative length") << QByteArray("abc") << -4 << 0u;
+    QTest::newRow("empty array") << QByteArray() << 0 << 0u;
+    QTest::newRow("length beyond the data") << QByteArray("123456789") << 4096 << 0xCBF43926u;
+}
+
+void tst_ZuCrc::checkValues()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(int, length);
+    QFETCH(uint, crc);
+    QCOMPARE(ZuCrc::crc32(data, length), crc);
+}
+
+// Every size from 0 to 300 at every offset mod 16 (the kernels have 8-, 16- and 64-byte steps),
+// then some large ones, against zlib.
+void tst_ZuCrc::agreesWithZlib()
+{
+    QRandomGenerator random(20240501);
+    QByteArray pool(4 * 1024 * 1024 + 64, Qt::Uninitialized);
+    random.fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
+    const auto zlib = [](const char *p, int n) {
+        return uint(::crc32(::crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef *>(p), uInt(n)));
+    };
+    for (int offset = 0; offset < 16; ++offset)
+        for (int size = 0; size <= 300; ++size) {
+            const QByteArray view = QByteArray::fromRawData(pool.constData() + offset, size);
+            QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
+        }
+    for (int size : { 4095, 4096, 65536 + 17, 1024 * 1024, 4 * 1024 * 1024 + 33 }) {
+        const QByteArray view = QByteArray::fromRawData(pool.constData() + 7, size);
+        QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
+    }
+}
+
+ZU_TEST_MAIN(tst_ZuCrc)
+#include "tst_zucrc.moc"
