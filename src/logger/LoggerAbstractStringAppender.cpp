@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QLocale>
-#include <QRegExp>
 #include <QThread>
 
 #include <algorithm>
@@ -341,14 +340,16 @@ QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
         }
     }
 
-    // Lambdas: "Foo::bar()::<lambda(int)>". The plain substring test spares the regular
-    // expression on every signature that cannot match it.
+    // Lambdas: "Foo::bar()::<lambda(int)>" loses the first "::<lambda(" and everything up to
+    // the last ")>" behind it. This is the match of the greedy "::<lambda\\(.*\\)>", found
+    // without a regular expression: the leftmost start can only be the first "::<lambda(", and
+    // the greedy ".*" runs to the last ")>" (the text holds no zero byte for "." to miss).
     bool hasLambda = false;
-    if (indexOfText(info, "::<lambda(") != -1) {
-        QRegExp lambdaRegex(QStringLiteral("::<lambda\\(.*\\)>"));
-        const int lambdaPos = lambdaRegex.indexIn(QString::fromLatin1(info));
-        if (lambdaPos != -1) {
-            info.remove(lambdaPos, lambdaRegex.matchedLength());
+    const int lambdaPos = indexOfText(info, "::<lambda(");
+    if (lambdaPos != -1) {
+        const int lambdaEnd = info.lastIndexOf(")>");
+        if (lambdaEnd >= lambdaPos + 10) {
+            info.remove(lambdaPos, lambdaEnd + 2 - lambdaPos);
             hasLambda = true;
         }
     }
