@@ -5,9 +5,11 @@
 class CustomerModel;
 class QLabel;
 class QTableView;
+class ZuSortFilterProxyModel;
 
-// A table view over the customers with Submit and Revert buttons and a line
-// that tells whether there is something to submit.
+// A table view over the customers, sorted by city and then name, with a
+// search field, Submit and Revert buttons and a line that tells whether there
+// is something to submit.
 class DemoWindow : public QWidget
 {
     Q_OBJECT
@@ -19,6 +21,7 @@ private:
     void updateState();
 
     CustomerModel *m_model;
+    ZuSortFilterProxyModel *m_proxy;
     QTableView *m_view;
     QLabel *m_state;
 };

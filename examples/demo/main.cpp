@@ -1,8 +1,11 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
-// submitted or reverted. Headless it prints each step; with --gui it opens a
-// table view with Submit and Revert buttons.
+// submitted or reverted, shown sorted by two columns and searched through a
+// sort/filter proxy. Headless it prints each step; with --gui it opens a
+// table view with a search field and Submit and Revert buttons.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
+
+#include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
 #include <QTextStream>
@@ -12,7 +15,9 @@ namespace {
 const char *const customers = R"([
   {"name": "Ada",   "city": "London", "balance": 120.5},
   {"name": "Linus", "city": "Turku",  "balance": 0},
-  {"name": "Grace", "city": "Arlington", "balance": 42}
+  {"name": "Grace", "city": "Arlington", "balance": 42},
+  {"name": "Alan",  "city": "London", "balance": 7},
+  {"name": "Barbara", "city": "arlington", "balance": 64}
 ])";
 
 QTextStream &out()
@@ -29,6 +34,16 @@ void printCell(const CustomerModel &model, int row, int column)
           << model.data(index, ZuAbstractTableModel::PreviousValueRole).toString()
           << ", isDirty(cell) " << (model.isDirty(index) ? "true" : "false") << ", isDirty() "
           << (model.isDirty() ? "true" : "false") << Qt::endl;
+}
+
+void printRows(const QAbstractItemModel &proxy)
+{
+    for (int row = 0; row < proxy.rowCount(); ++row) {
+        QStringList cells;
+        for (int column = 0; column < proxy.columnCount(); ++column)
+            cells << proxy.index(row, column).data().toString();
+        out() << "  " << cells.join(QStringLiteral(" | ")) << Qt::endl;
+    }
 }
 
 int runHeadless(CustomerModel &model)
@@ -63,6 +78,16 @@ int runHeadless(CustomerModel &model)
           << (model.data(balance, ZuAbstractTableModel::RowValidRole).toBool() ? "true" : "false")
           << " (" << model.itemInvalidReason(balance) << ")" << Qt::endl;
     model.revert();
+
+    out() << "sorted by city, then name (natural order, case aside):" << Qt::endl;
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    proxy.setSortColumns({ CustomerModel::City, CustomerModel::Name });
+    proxy.sort(CustomerModel::City);
+    printRows(proxy);
+    out() << "search \"on\" in any column:" << Qt::endl;
+    proxy.setSearchString(QStringLiteral("on"));
+    printRows(proxy);
 
     out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;

@@ -72,10 +72,12 @@ private:
             x[i] = load(block + 4 * i);
         quint32 a = m_state[0], b = m_state[1], c = m_state[2], d = m_state[3];
 
-#define ZU_MD5_STEP(f, w, x, y, z, k, s) w = x + rotl(w + f(x, y, z) + k, s)
+// Written so that the newest value (x) comes in as late as possible: w + k and the parts of f
+// without x are ready before x is. G's two terms share no bit, so they may be added.
+#define ZU_MD5_STEP(f, w, x, y, z, k, s) w = x + rotl((w + (k)) + f(x, y, z), s)
 #define ZU_MD5_F(x, y, z) (z ^ (x & (y ^ z)))
-#define ZU_MD5_G(x, y, z) (y ^ (z & (x ^ y)))
-#define ZU_MD5_H(x, y, z) (x ^ y ^ z)
+#define ZU_MD5_G(x, y, z) ((y & ~z) + (x & z))
+#define ZU_MD5_H(x, y, z) (x ^ (y ^ z))
 #define ZU_MD5_I(x, y, z) (y ^ (x | ~z))
         ZU_MD5_STEP(ZU_MD5_F, a, b, c, d, x[0] + 0xd76aa478, 7);
         ZU_MD5_STEP(ZU_MD5_F, d, a, b, c, x[1] + 0xe8c7b756, 12);

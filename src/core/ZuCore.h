@@ -25,6 +25,9 @@ class QAbstractItemModel;
  * The three process-wide texts (date format, date-time format, settings ini file name) are set
  * when the library is loaded and have no lock: set them at the application's start, before other
  * threads run. Nothing here raises a box; only jsonObjFromString() logs.
+ *
+ * Defaults: the @c defaultValue of toDateString() and toDateTimeString() is an empty string, and
+ * matchValue() searches Qt::DisplayRole unless told otherwise.
  */
 namespace ZuCore {
 Q_NAMESPACE_EXPORT(ZUCORE_EXPORT)

@@ -141,7 +141,9 @@ QByteArray StringToBuffer(const QString &text)
 
 QString HexStringToString(QString text)
 {
-    return QString::fromLatin1(decodeHex(text));
+    // With the size: QString::fromLatin1(QByteArray) would stop at the first zero byte.
+    const QByteArray bytes = decodeHex(text);
+    return QString::fromLatin1(bytes.constData(), bytes.size());
 }
 
 QString ByteToString(uchar value)

@@ -1,5 +1,7 @@
 #include "platform/NaturalCompare.h"
 
+#include <cstring>
+
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
 
@@ -109,26 +111,51 @@ inline int compareDigitRuns(const ushort *&pa, const ushort *ea, const ushort *&
 
     // Walk the significant digits side by side: the longer run is the larger
     // value, and among runs of one length the first differing digit decides.
+    // (Branch-free where the data decides: these branches mispredict.)
     int firstDifference = 0;
     while (pa < ea && pb < eb && isDigit(*pa) && isDigit(*pb)) {
-        if (!firstDifference && *pa != *pb)
-            firstDifference = *pa < *pb ? -1 : 1;
+        const int order = (*pa > *pb) - (*pa < *pb);
+        firstDifference = firstDifference ? firstDifference : order;
         ++pa;
         ++pb;
     }
-    if (pa < ea && isDigit(*pa))
-        return 1;
-    if (pb < eb && isDigit(*pb))
-        return -1;
-    if (firstDifference)
-        return firstDifference;
+    const int longer = int(pa < ea && isDigit(*pa)) - int(pb < eb && isDigit(*pb));
+    if (longer | firstDifference)
+        return longer ? longer : firstDifference;
     if (!tie && zerosA != zerosB)
         tie = zerosA < zerosB ? -1 : 1;
     return 0;
 }
 
+// Skips the code units that both strings share, four at a time, but stops at
+// the start of a digit run that reaches the first difference: a shared prefix
+// holds no difference of any kind, while a run must be compared whole.
+inline void skipSharedPrefix(const ushort *&pa, const ushort *ea, const ushort *&pb,
+                             const ushort *eb)
+{
+    const qptrdiff shared = qMin(ea - pa, eb - pb);
+    qptrdiff k = 0;
+    for (; k + 4 <= shared; k += 4) {
+        quint64 wa, wb;
+        memcpy(&wa, pa + k, sizeof wa);
+        memcpy(&wb, pb + k, sizeof wb);
+        if (wa != wb)
+            break;
+    }
+    while (k < shared && pa[k] == pb[k])
+        ++k;
+    if (k > 0 && isDigit(pa[k - 1])) {
+        do
+            --k;
+        while (k > 0 && isDigit(pa[k - 1]));
+    }
+    pa += k;
+    pb += k;
+}
+
 int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ushort *eb)
 {
+    skipSharedPrefix(pa, ea, pb, eb);
     int tie = 0;
     while (pa < ea && pb < eb) {
         const ushort ca = *pa;

@@ -63,7 +63,7 @@ void tst_ZuHex::hexDecode()
     QFETCH(QString, text);
     QFETCH(QByteArray, bytes);
     QCOMPARE(ZuHex::StringToBuffer(text), bytes);
-    QCOMPARE(ZuHex::HexStringToString(text), QString::fromLatin1(bytes));
+    QCOMPARE(ZuHex::HexStringToString(text), QString::fromLatin1(bytes.constData(), bytes.size()));
     if (text.size() >= 2)
         QCOMPARE(ZuHex::StringToByte(text.at(0), text.at(1)), uchar(bytes.at(0)));
 }

@@ -18,16 +18,20 @@ class ZuSortFilterProxyModelPrivate;
  * @code #include <zucore/ZuSortFilterProxyModel.h> @endcode
  *
  * Ordering. lessThan() compares the display text of the source cells in
- * natural order ("a2" before "a10", letters without regard to case) over
- * sortColumns(), most significant first; with no sort columns it compares the
- * two cells it is given. Rows that tie on every sort column are not less than
- * each other. sortRole() and sortCaseSensitivity() play no part.
+ * natural order ("a2" before "a10", digits before letters, letters without
+ * regard to case, so "Readme" and "readme" tie) over sortColumns(), most
+ * significant first; with no sort columns it compares the two cells it is
+ * given. Rows that tie on every sort column are not less than each other.
+ * sortRole() and sortCaseSensitivity() play no part. Pass the most
+ * significant sort column to sort(): the dynamic sort filter re-sorts an
+ * edited row only when the edit touches the column that sort() was given.
  *
  * Filtering. Filter texts (addFilterKeyColumn(), addFilterFixedString()) and
  * search texts (setSearchString()) are case-insensitive regular expressions
  * matched anywhere in a cell's display text; a text that is not a valid
  * expression matches no cell. Within each group the columns combine by
- * filterMode(); the two groups are always ANDed. An inverted search keeps only
+ * filterMode() (a value other than andFilterMode counts as orFilterMode); the
+ * two groups are always ANDed. An inverted search keeps only
  * the rows in which no searched column matches. Each distinct pattern is
  * compiled once and kept until the patterns change.
  *
@@ -35,7 +39,9 @@ class ZuSortFilterProxyModelPrivate;
  * for "no assignment": it reads 0 under Qt::EditRole, notAssignedText() in
  * italics in selectionRoleColumn(), and is selectable and enabled only. Proxy
  * row n > 0 is then source row n - 1, in source order, while rowCount() is the
- * number of accepted rows plus one.
+ * number of accepted rows plus one. A persistent index of the extra row
+ * becomes invalid when the base class re-sorts or re-filters: it keeps
+ * persistent indexes by their source index, and the extra row has none.
  *
  * The proxy is flat: parent() is always invalid and rowCount() ignores its
  * argument. Out-of-range rows and columns give invalid indexes.

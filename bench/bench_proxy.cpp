@@ -1,0 +1,314 @@
+// ZuSortFilterProxyModel and the natural comparison against their Qt peers:
+// QCollator in numeric, case-insensitive mode, and a plain QSortFilterProxyModel
+// over the same QStandardItemModel.
+#include "platform/NaturalCompare.h"
+
+#include <zucore/ZuSortFilterProxyModel.h>
+
+#include <QCollator>
+#include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QStandardItemModel>
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <memory>
+
+namespace {
+
+bool smoke()
+{
+    return qEnvironmentVariableIsSet("ZUCORE_BENCH_SMOKE");
+}
+
+// Names as a file manager or a parts list shows them: digit runs of varied
+// length, mixed case, shared prefixes, spaces and punctuation.
+QString fileName(QRandomGenerator &random)
+{
+    static const char *const stems[] = { "IMG_",
+                                         "img_",
+                                         "Report ",
+                                         "report-",
+                                         "track",
+                                         "Invoice",
+                                         "backup_",
+                                         "Scan",
+                                         "photo (",
+                                         "Notes v",
+                                         "DSC",
+                                         "chapter-",
+                                         "Log_",
+                                         "draft",
+                                         "Setup-",
+                                         "Scan 2021-11-",
+                                         "Screenshot 2023-05-17 at 10.",
+                                         "Meeting 2024-01-" };
+    const int stemCount = int(sizeof stems / sizeof *stems);
+    static const char *const endings[]
+        = { ".JPG", ".jpg", ".pdf", ".mp3", ").png", ".txt", ".docx", "", ".tar.gz" };
+    const int number = random.bounded(random.bounded(2) ? 100 : 100000);
+    QString name = QLatin1String(stems[random.bounded(stemCount)]);
+    if (random.bounded(3) == 0)
+        name += QString::number(number).rightJustified(5, '0');
+    else
+        name += QString::number(number);
+    if (random.bounded(4) == 0)
+        name += QStringLiteral(" part") + QString::number(random.bounded(12));
+    name += QLatin1String(endings[random.bounded(9)]);
+    return name;
+}
+
+struct Pairs
+{
+    QVector<QString> left, right;
+};
+
+// The pairs that sorting folders of such names compares, in the order the
+// sort meets them: random at first, then neighbours that share long prefixes.
+const Pairs &pairs()
+{
+    static const Pairs data = [] {
+        Pairs p;
+        QRandomGenerator random(42);
+        const int count = smoke() ? 2000 : 100000;
+        while (p.left.size() < count) {
+            QVector<QString> folder;
+            for (int i = 0; i < 2000; ++i)
+                folder << fileName(random);
+            std::sort(folder.begin(), folder.end(), [&p](const QString &a, const QString &b) {
+                p.left << a;
+                p.right << b;
+                return ZuPlatform::naturalCompare(a, b) < 0;
+            });
+        }
+        p.left.resize(count);
+        p.right.resize(count);
+        return p;
+    }();
+    return data;
+}
+
+QCollator &collator()
+{
+    // A named locale: for the C locale QCollator skips ICU and its numeric mode.
+    static QCollator c = [] {
+        QCollator result(QLocale(QLocale::English, QLocale::UnitedStates));
+        result.setNumericMode(true);
+        result.setCaseSensitivity(Qt::CaseInsensitive);
+        return result;
+    }();
+    return c;
+}
+
+void natural_compare_ours(benchmark::State &state)
+{
+    const Pairs &p = pairs();
+    // Outside the timed loop: the two agree on the order of nearly all pairs
+    // (they differ only on punctuation and on ties).
+    int agree = 0;
+    for (int i = 0; i < p.left.size(); ++i) {
+        const int c = collator().compare(p.left.at(i), p.right.at(i));
+        agree += ZuPlatform::naturalCompare(p.left.at(i), p.right.at(i)) == (c > 0) - (c < 0);
+    }
+    if (agree < p.left.size() * 9 / 10)
+        state.SkipWithError("natural order disagrees with the collator");
+    for (auto _ : state) {
+        int sum = 0;
+        for (int i = 0; i < p.left.size(); ++i)
+            sum += ZuPlatform::naturalCompare(p.left.at(i), p.right.at(i));
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * p.left.size());
+}
+
+void natural_compare_peer(benchmark::State &state)
+{
+    const Pairs &p = pairs();
+    QCollator &c = collator();
+    for (auto _ : state) {
+        int sum = 0;
+        for (int i = 0; i < p.left.size(); ++i)
+            sum += c.compare(p.left.at(i), p.right.at(i));
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * p.left.size());
+}
+
+// 100 000 rows of 8 columns: an id, a file name, a number, a date, a word,
+// an amount, a user and a hex code.
+QStandardItemModel &table()
+{
+    static std::unique_ptr<QStandardItemModel> model = [] {
+        static const char *const words[]
+            = { "open", "closed", "pending", "Review", "merged", "Blocked", "draft", "done" };
+        const int rows = smoke() ? 5000 : 100000;
+        auto m = std::make_unique<QStandardItemModel>(rows, 8);
+        QRandomGenerator random(7);
+        for (int r = 0; r < rows; ++r) {
+            m->setItem(r, 0, new QStandardItem(QStringLiteral("Item %1").arg(r)));
+            m->setItem(r, 1, new QStandardItem(fileName(random)));
+            m->setItem(r, 2, new QStandardItem(QString::number(random.bounded(1000000))));
+            m->setItem(r, 3,
+                       new QStandardItem(QStringLiteral("20%1-%2-%3")
+                                             .arg(10 + random.bounded(15))
+                                             .arg(1 + random.bounded(12), 2, 10, QChar('0'))
+                                             .arg(1 + random.bounded(28), 2, 10, QChar('0'))));
+            m->setItem(r, 4, new QStandardItem(QLatin1String(words[random.bounded(8)])));
+            m->setItem(r, 5,
+                       new QStandardItem(QString::number(random.bounded(100000) / 100.0, 'f', 2)));
+            m->setItem(r, 6, new QStandardItem(QStringLiteral("user%1").arg(random.bounded(500))));
+            m->setItem(r, 7, new QStandardItem(QString::number(random.generate(), 16)));
+        }
+        return m;
+    }();
+    return *model;
+}
+
+// Every row of the proxy in order, by one column's text, is non-decreasing.
+template<typename Less> bool sortedBy(const QAbstractItemModel &proxy, int column, Less less)
+{
+    for (int r = 1; r < proxy.rowCount(); ++r)
+        if (less(proxy.index(r, column).data().toString(),
+                 proxy.index(r - 1, column).data().toString()))
+            return false;
+    return true;
+}
+
+void proxy_sort_100k_ours(benchmark::State &state)
+{
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(1);
+    }
+    const bool ok = proxy.rowCount() == table().rowCount()
+        && sortedBy(proxy, 1, [](const QString &a, const QString &b) {
+                        return ZuPlatform::naturalCompare(a, b) < 0;
+                    });
+    if (!ok)
+        state.SkipWithError("not in natural order");
+}
+
+void proxy_sort_100k_peer(benchmark::State &state)
+{
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(1);
+    }
+    const bool ok = proxy.rowCount() == table().rowCount()
+        && sortedBy(proxy, 1, [](const QString &a, const QString &b) { return a < b; });
+    if (!ok)
+        state.SkipWithError("not in order");
+}
+
+// Two keys: the status word, then the number within it.
+bool sortedByTwo(const QAbstractItemModel &proxy)
+{
+    for (int r = 1; r < proxy.rowCount(); ++r) {
+        const int first = ZuPlatform::naturalCompare(proxy.index(r - 1, 4).data().toString(),
+                                                     proxy.index(r, 4).data().toString());
+        if (first > 0
+            || (first == 0
+                && ZuPlatform::naturalCompare(proxy.index(r - 1, 2).data().toString(),
+                                              proxy.index(r, 2).data().toString())
+                    > 0))
+            return false;
+    }
+    return true;
+}
+
+void proxy_sort2_100k_ours(benchmark::State &state)
+{
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    proxy.setSortColumns({ 4, 2 });
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(4);
+    }
+    if (proxy.rowCount() != table().rowCount() || !sortedByTwo(proxy))
+        state.SkipWithError("not in two-column order");
+}
+
+// The plain proxy knows one sort column: two stable sorts, minor key first.
+void proxy_sort2_100k_peer(benchmark::State &state)
+{
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(2);
+        proxy.sort(4);
+    }
+    if (proxy.rowCount() != table().rowCount())
+        state.SkipWithError("rows lost");
+}
+
+// Two patterns in turn, so that every pass changes the accepted rows.
+const QString searchPatterns[] = { QStringLiteral("report"), QStringLiteral("2019-0[1-6]") };
+
+void proxy_search_100k_ours(benchmark::State &state)
+{
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    proxy.rowCount();
+    int counts[2] = {};
+    int pass = 0;
+    for (auto _ : state) {
+        proxy.setSearchString(searchPatterns[pass % 2]);
+        counts[pass % 2] = proxy.rowCount();
+        ++pass;
+    }
+
+    QSortFilterProxyModel check;
+    check.setSourceModel(&table());
+    check.setFilterKeyColumn(-1);
+    for (int i = 0; i < 2; ++i) {
+        check.setFilterRegularExpression(
+            QRegularExpression(searchPatterns[i], QRegularExpression::CaseInsensitiveOption));
+        if (pass > i && counts[i] != check.rowCount())
+            state.SkipWithError("search and plain filter disagree");
+    }
+}
+
+void proxy_search_100k_peer(benchmark::State &state)
+{
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    proxy.setFilterKeyColumn(-1);
+    proxy.rowCount();
+    const QRegularExpression expressions[]
+        = { QRegularExpression(searchPatterns[0], QRegularExpression::CaseInsensitiveOption),
+            QRegularExpression(searchPatterns[1], QRegularExpression::CaseInsensitiveOption) };
+    int pass = 0;
+    int rows = 0;
+    for (auto _ : state) {
+        proxy.setFilterRegularExpression(expressions[pass % 2]);
+        rows = proxy.rowCount();
+        ++pass;
+    }
+    if (rows <= 0)
+        state.SkipWithError("nothing matched");
+}
+
+} // namespace
+
+BENCHMARK(natural_compare_ours)->Name("natural_compare/ours")->Unit(benchmark::kMicrosecond);
+BENCHMARK(natural_compare_peer)->Name("natural_compare/peer")->Unit(benchmark::kMicrosecond);
+BENCHMARK(proxy_sort_100k_ours)->Name("proxy_sort_100k/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_sort_100k_peer)->Name("proxy_sort_100k/peer")->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_sort2_100k_ours)->Name("proxy_sort2_100k/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_sort2_100k_peer)->Name("proxy_sort2_100k/peer")->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_search_100k_ours)->Name("proxy_search_100k/ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_search_100k_peer)->Name("proxy_search_100k/peer")->Unit(benchmark::kMillisecond);
