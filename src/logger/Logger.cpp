@@ -72,6 +72,22 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
                                     isDefaultCategory ? nullptr : context.category, message);
 }
 
+// QDateTime::currentDateTime() asks the C library for the local time zone, and glibc looks at
+// /etc/localtime again on every call when TZ is unset: several microseconds a record. Records
+// of the same thread in the same millisecond share one value, which is what the call would give
+// them anyway; a new millisecond asks again, so a change of the time zone is still seen.
+QDateTime currentTimeStamp()
+{
+    thread_local qint64 cachedMSecs = -1;
+    thread_local QDateTime cached;
+    const qint64 msecs = QDateTime::currentMSecsSinceEpoch();
+    if (msecs != cachedMSecs) {
+        cached = QDateTime::currentDateTime();
+        cachedMSecs = msecs;
+    }
+    return cached;
+}
+
 void cleanupLoggerGlobalInstance()
 {
     ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
@@ -216,7 +232,7 @@ QString Logger::defaultCategory() const
 void Logger::write(Logger::LogLevel logLevel, const char *file, int line, const char *function,
                    const char *category, const QString &message)
 {
-    write(QDateTime::currentDateTime(), logLevel, file, line, function, category, message, false);
+    write(currentTimeStamp(), logLevel, file, line, function, category, message, false);
 }
 
 void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const char *file,

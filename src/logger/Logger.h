@@ -96,7 +96,11 @@ public:
     /// The default category; a null string if none was given. Takes no lock.
     QString defaultCategory() const;
 
-    /// Writes a record stamped with QDateTime::currentDateTime(). @p category may be null.
+    /**
+     * Writes a record stamped with the current local date and time, as
+     * QDateTime::currentDateTime() gives it (records of one thread within the same millisecond
+     * share one value). @p category may be null.
+     */
     void write(LogLevel logLevel, const char *file, int line, const char *function,
                const char *category, const QString &message);
     /// Writes a record with the given time stamp. @p category may be null.
@@ -169,7 +173,8 @@ private:
  *
  * The record reads "Function <name> finished in 12 ms." or "\"block\" finished in 12 s.";
  * start() must be called before the object ends, since nothing else starts the timer.
- * The constructor starts in Logger::TimingAuto mode with an empty block name.
+ * The constructor takes the logger, the level and the statement's place (file, line, function
+ * as the LOG_* macros pass them) and starts in Logger::TimingAuto mode with an empty block name.
  */
 class ZUCORE_EXPORT LoggerTimingHelper
 {
@@ -206,7 +211,11 @@ private:
     QString m_block;
 };
 
-// The log statements: LOG_INFO() << a << b; or LOG_INFO("format %d", n); or LOG_INFO(text);
+/**
+ * The log statements of the six levels: a temporary CuteMessageLogger on the global logger with
+ * the statement's file, line and function and a null category. Use them as
+ * LOG_INFO() << a << b; (QDebug streaming), LOG_INFO("format %d", n); or LOG_INFO(text);
+ */
 #define LOG_TRACE                                                                                  \
     CuteMessageLogger(cuteLoggerInstance(), Logger::Trace, __FILE__, __LINE__, Q_FUNC_INFO,        \
                       nullptr)                                                                     \
@@ -231,19 +240,3 @@ private:
     CuteMessageLogger(cuteLoggerInstance(), Logger::Fatal, __FILE__, __LINE__, Q_FUNC_INFO,        \
                       nullptr)                                                                     \
         .write
-
-// An assertion that logs at Logger::Fatal and ends the process when the condition fails.
-#define LOG_ASSERT(cond)                                                                           \
-    ((!(cond)) ? cuteLoggerInstance()->writeAssert(__FILE__, __LINE__, Q_FUNC_INFO, #cond)         \
-               : qt_noop())
-
-// Times the rest of the enclosing scope: LOG_TRACE_TIME(); or LOG_INFO_TIME("block %d", n);
-#define ZU_LOG_TIME_CAT2(a, b) a##b
-#define ZU_LOG_TIME_CAT(a, b) ZU_LOG_TIME_CAT2(a, b)
-#define ZU_LOG_TIME(level)                                                                         \
-    LoggerTimingHelper ZU_LOG_TIME_CAT(zuTimingHelper, __LINE__)(cuteLoggerInstance(), level,      \
-                                                                 __FILE__, __LINE__, Q_FUNC_INFO); \
-    ZU_LOG_TIME_CAT(zuTimingHelper, __LINE__).start
-#define LOG_TRACE_TIME ZU_LOG_TIME(Logger::Trace)
-#define LOG_DEBUG_TIME ZU_LOG_TIME(Logger::Debug)
-#define LOG_INFO_TIME ZU_LOG_TIME(Logger::Info)

@@ -19,6 +19,7 @@ class ZUCORE_EXPORT LoggerAbstractAppender
 public:
     /// An appender at details level Logger::Debug.
     LoggerAbstractAppender();
+    /// Destroys the appender; a Logger that owns it does this when it ends.
     virtual ~LoggerAbstractAppender();
 
     /// The lowest level that this appender takes.

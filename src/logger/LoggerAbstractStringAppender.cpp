@@ -7,9 +7,18 @@
 #include <QRegExp>
 #include <QThread>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
+
+// The signature text holds no zero byte (it comes from a C string), so the C library's fast
+// search finds what QByteArray::indexOf would find.
+inline int indexOfText(const QByteArray &info, const char *text)
+{
+    const char *const hit = std::strstr(info.constData(), text);
+    return hit ? int(hit - info.constData()) : -1;
+}
 
 // Padding beyond this is not honoured: a stray width must not allocate gigabytes.
 constexpr int maxFieldWidth = 65536;
@@ -68,16 +77,21 @@ bool systemLocaleUsesAsciiDigits()
 
 // QDateTime::toString is slow for what a log line needs. The common date formats (made of
 // yyyy, MM, dd, HH, mm, ss, zzz and characters that the date formatter copies as they are) are
-// written here with the same result; anything else goes to QDateTime::toString.
-QString formatTimeStamp(const QDateTime &timeStamp, const QChar *fmt, int len)
+// written here, straight into the line, with the same result; anything else goes to
+// QDateTime::toString.
+void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *fmt, int len)
 {
     if (len > 0 && len <= 64 && timeStamp.isValid() && systemLocaleUsesAsciiDigits()) {
-        const QDate date = timeStamp.date();
-        const QTime time = timeStamp.time();
-        const int year = date.year();
+        int year = 0;
+        int month = 0;
+        int day = 0;
+        timeStamp.date().getDate(&year, &month, &day);
         if (year >= 1000 && year <= 9999) {
-            QString out(len + 1, Qt::Uninitialized);
-            QChar *o = out.data();
+            const QTime time = timeStamp.time();
+            const int start = result.size();
+            result.resize(start + len + 1); // no field grows: yyyy 4, zzz 3, the rest 2
+            QChar *const begin = result.data() + start;
+            QChar *o = begin;
             bool handled = true;
             for (int k = 0; k < len && handled;) {
                 const ushort c = fmt[k].unicode();
@@ -105,8 +119,8 @@ QString formatTimeStamp(const QDateTime &timeStamp, const QChar *fmt, int len)
                         break;
                     }
                     appendTwoDigits(o,
-                                    c == 'M'       ? date.month()
-                                        : c == 'd' ? date.day()
+                                    c == 'M'       ? month
+                                        : c == 'd' ? day
                                         : c == 'H' ? time.hour()
                                         : c == 'm' ? time.minute()
                                                    : time.second());
@@ -138,12 +152,31 @@ QString formatTimeStamp(const QDateTime &timeStamp, const QChar *fmt, int len)
                 k += run;
             }
             if (handled) {
-                out.truncate(int(o - out.constData()));
-                return out;
+                result.resize(start + int(o - begin));
+                return;
             }
+            result.resize(start);
         }
     }
-    return timeStamp.toString(QString(fmt, len));
+    result.append(timeStamp.toString(QString(fmt, len)));
+}
+
+// Pads the text appended since start as QString::arg("%1", width, ' ') would: a positive width
+// aligns right, a negative one left, and longer text is left as it is.
+void padField(QString &result, int start, int fieldWidth)
+{
+    const int length = result.size() - start;
+    const int padding = qMin(qAbs(fieldWidth), maxFieldWidth) - length;
+    if (padding <= 0)
+        return;
+    result.resize(result.size() + padding);
+    QChar *const field = result.data() + start;
+    if (fieldWidth > 0) {
+        std::memmove(field + padding, field, size_t(length) * sizeof(QChar));
+        std::fill(field, field + padding, QLatin1Char(' '));
+    } else {
+        std::fill(field + length, field + length + padding, QLatin1Char(' '));
+    }
 }
 
 } // namespace
@@ -176,7 +209,7 @@ QString LoggerAbstractStringAppender::formattedString(const QDateTime &timeStamp
     QString result;
     if (size == 0)
         return result;
-    result.reserve(size + message.size() + 64);
+    result.reserve(size + message.size() + 96);
 
     const QChar *const p = f.constData();
     int i = 0;
@@ -207,7 +240,10 @@ QString LoggerAbstractStringAppender::formattedString(const QDateTime &timeStamp
         int fieldWidth = 0;
         if (cmdLen > 0 && i < size && p[i] == QLatin1Char(':')) {
             ++i;
-            if (i < size && (p[i].isDigit() || p[i].category() == QChar::Punctuation_Dash)) {
+            // In ASCII only the hyphen-minus is a dash.
+            if (i < size
+                && (p[i].isDigit() || p[i] == QLatin1Char('-')
+                    || (p[i].unicode() >= 128 && p[i].category() == QChar::Punctuation_Dash))) {
                 const int widthStart = i;
                 ++i;
                 while (i < size && p[i].isDigit())
@@ -216,84 +252,72 @@ QString LoggerAbstractStringAppender::formattedString(const QDateTime &timeStamp
             }
         }
 
-        // The chunk is either plain Latin-1 text (latin1/latinLen) or a QString.
-        QString chunk;
-        const char *latin1 = nullptr;
-        int latinLen = 0;
+        // Each chunk goes straight into the line; padField pads it afterwards.
+        const int fieldStart = result.size();
         if (ZU_IS_COMMAND("time")) {
+            bool done = false;
             if (i + 1 < size && p[i + 1] == QLatin1Char('{')) {
                 int j = 1;
                 while (i + 2 + j < size && p[i + 2 + j] != QLatin1Char('}'))
                     ++j;
                 if (i + 2 + j < size) {
-                    chunk = formatTimeStamp(timeStamp, p + i + 2, j);
+                    appendTimeStamp(result, timeStamp, p + i + 2, j);
                     i += j + 2;
+                    done = true;
                 }
             }
-            if (chunk.isNull()) {
+            if (!done) {
                 static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
-                chunk = formatTimeStamp(timeStamp, defaultTimeFormat.constData(),
-                                        defaultTimeFormat.size());
+                appendTimeStamp(result, timeStamp, defaultTimeFormat.constData(),
+                                defaultTimeFormat.size());
             }
         } else if (ZU_IS_COMMAND("type")) {
-            chunk = Logger::levelToString(logLevel);
+            result.append(Logger::levelToString(logLevel));
         } else if (ZU_IS_COMMAND("Type")) {
-            chunk = Logger::levelToString(logLevel).toUpper();
+            result.append(Logger::levelToString(logLevel).toUpper());
         } else if (ZU_IS_COMMAND("typeOne")) {
-            chunk = Logger::levelToString(logLevel).left(1).toLower();
+            result.append(Logger::levelToString(logLevel).left(1).toLower());
         } else if (ZU_IS_COMMAND("TypeOne")) {
-            chunk = Logger::levelToString(logLevel).left(1).toUpper();
+            result.append(Logger::levelToString(logLevel).left(1).toUpper());
         } else if (ZU_IS_COMMAND("File")) {
-            if (file) {
-                latin1 = file;
-                latinLen = int(std::strlen(file));
-            }
+            if (file)
+                result.append(QLatin1String(file));
         } else if (ZU_IS_COMMAND("file")) {
             // The part behind the last slash or backslash, as a section by "[/\\]" gives it.
             if (file) {
-                latin1 = file;
+                const char *name = file;
                 for (const char *c = file; *c; ++c) {
                     if (*c == '/' || *c == '\\')
-                        latin1 = c + 1;
+                        name = c + 1;
                 }
-                latinLen = int(std::strlen(latin1));
+                result.append(QLatin1String(name));
             }
         } else if (ZU_IS_COMMAND("line")) {
-            chunk = QString::number(line);
+            result.append(QString::number(line));
         } else if (ZU_IS_COMMAND("Function")) {
-            if (function) {
-                latin1 = function;
-                latinLen = int(std::strlen(function));
-            }
+            if (function)
+                result.append(QLatin1String(function));
         } else if (ZU_IS_COMMAND("function")) {
-            chunk = stripFunctionName(function);
+            // stripFunctionName without its temporary string.
+            const QByteArray name = qCleanupFuncinfo(function);
+            result.append(QLatin1String(name.constData(),
+                                        int(qstrnlen(name.constData(), uint(name.size())))));
         } else if (ZU_IS_COMMAND("message")) {
-            chunk = message;
+            result.append(message);
         } else if (ZU_IS_COMMAND("category")) {
-            chunk = category;
+            result.append(category);
         } else if (ZU_IS_COMMAND("pid")) {
-            chunk = QString::number(QCoreApplication::applicationPid());
+            result.append(QString::number(QCoreApplication::applicationPid()));
         } else if (ZU_IS_COMMAND("appname")) {
-            chunk = QCoreApplication::applicationName();
+            result.append(QCoreApplication::applicationName());
         } else if (ZU_IS_COMMAND("threadid")) {
-            chunk = QLatin1String("0x") + QString::number(qintptr(QThread::currentThread()), 16);
+            result.append(QLatin1String("0x"));
+            result.append(QString::number(qintptr(QThread::currentThread()), 16));
         } else {
-            chunk.reserve(cmdLen + 1);
-            chunk.append(QLatin1Char('%'));
-            chunk.append(cmd, cmdLen);
+            result.append(QLatin1Char('%'));
+            result.append(cmd, cmdLen);
         }
-
-        // Padding as QString::arg("%1", width, ' ') would give it, without the temporary.
-        const int chunkLen = latin1 ? latinLen : chunk.size();
-        const int padding = qMin(qAbs(fieldWidth), maxFieldWidth) - chunkLen;
-        if (padding > 0 && fieldWidth > 0)
-            result.append(QString(padding, QLatin1Char(' ')));
-        if (latin1)
-            result.append(QLatin1String(latin1, latinLen));
-        else
-            result.append(chunk);
-        if (padding > 0 && fieldWidth < 0)
-            result.append(QString(padding, QLatin1Char(' ')));
+        padField(result, fieldStart, fieldWidth);
 
         // Skip the character on which the field ends, normally its closing brace.
         ++i;
@@ -320,7 +344,7 @@ QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
     // Lambdas: "Foo::bar()::<lambda(int)>". The plain substring test spares the regular
     // expression on every signature that cannot match it.
     bool hasLambda = false;
-    if (info.contains("::<lambda(")) {
+    if (indexOfText(info, "::<lambda(") != -1) {
         QRegExp lambdaRegex(QStringLiteral("::<lambda\\(.*\\)>"));
         const int lambdaPos = lambdaRegex.indexIn(QString::fromLatin1(info));
         if (lambdaPos != -1) {
@@ -330,7 +354,7 @@ QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
     }
 
     // Keep operator names in one piece: "operator <" becomes "operator<".
-    if (info.contains("operator "))
+    if (indexOfText(info, "operator ") != -1)
         info.replace("operator ", "operator");
 
     // Remove the argument list, and that of a returned function pointer.
@@ -357,7 +381,7 @@ QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
         info.truncate(q);
         if (info.at(q - 1) != ')')
             break;
-        if (info.indexOf("operator()") == q - 10)
+        if (indexOfText(info, "operator()") == q - 10)
             break;
         // The arguments just removed belonged to the returned function pointer's type.
         info.remove(0, info.indexOf('('));
@@ -371,19 +395,19 @@ QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
     int pos = q - 1;
     switch (info.at(pos)) {
     case ')':
-        if (info.indexOf("operator()") == q - 10)
+        if (indexOfText(info, "operator()") == q - 10)
             pos = q - 3;
         break;
     case '<':
-        if (info.indexOf("operator<") == q - 9)
+        if (indexOfText(info, "operator<") == q - 9)
             pos = q - 2;
         break;
     case '>':
-        if (info.indexOf("operator>") == q - 9)
+        if (indexOfText(info, "operator>") == q - 9)
             pos = q - 2;
         break;
     case '=':
-        if (info.indexOf("operator<=") == q - 10 || info.indexOf("operator>=") == q - 10)
+        if (indexOfText(info, "operator<=") == q - 10 || indexOfText(info, "operator>=") == q - 10)
             pos = q - 3;
         break;
     default:
