@@ -19,24 +19,32 @@ cmake --build "$build" -j2 --target zucore_bench >/dev/null
 
 raw=$(mktemp)
 trap 'rm -f "$raw"' EXIT
-QT_QPA_PLATFORM=offscreen "$build/bench/zucore_bench" --benchmark_format=csv \
+# JSON, not CSV: Google Benchmark's CSV reporter aborts when a user counter
+# (such as "bytes") first shows up after the first benchmark of the run.
+QT_QPA_PLATFORM=offscreen "$build/bench/zucore_bench" --benchmark_format=json \
     ${args[@]+"${args[@]}"} 2>/dev/null >"$raw"
 
-# Google Benchmark's CSV: name,iterations,real_time,cpu_time,time_unit,...,
-# then user counters. A counter named "bytes" replaces the time for memory rows.
-awk -F, -v csv="$csv" '
+# One object per run inside "benchmarks", four blanks deep: name, real_time,
+# time_unit, then user counters. A counter named "bytes" replaces the time for
+# memory rows.
+awk -v csv="$csv" '
 function ns(v, unit) {
   if (unit == "us") return v * 1e3; if (unit == "ms") return v * 1e6; if (unit == "s") return v * 1e9; return v
 }
-/^name,/ { for (i = 1; i <= NF; i++) col[$i] = i; started = 1; next }
-!started { next }
-{
-  name = $1; gsub(/"/, "", name)
-  n = split(name, parts, "/"); side = parts[n]
+function field(line) { sub(/^[^:]*: */, "", line); sub(/,$/, "", line); gsub(/"/, "", line); return line }
+/^    \{/ { name = ""; t = ""; unit = ""; bytes = ""; next }
+/^      "name":/ { name = field($0); next }
+/^      "real_time":/ { t = field($0) + 0; next }
+/^      "time_unit":/ { unit = field($0); next }
+/^      "bytes":/ { bytes = field($0) + 0; next }
+/^    \}/ {
+  # Drop the suffixes that Google Benchmark adds (iterations:1, real_time, ...).
+  n = split(name, parts, "/")
+  while (n > 1 && (parts[n] ~ /:/ || parts[n] ~ /^(real|manual|process)_time$/)) n--
+  side = parts[n]
   op = parts[1]; for (k = 2; k < n; k++) op = op "/" parts[k]
   if (side != "ours" && side != "peer") next
-  v = ns($(col["real_time"]), $(col["time_unit"]))
-  if (("bytes" in col) && $(col["bytes"]) != "") v = $(col["bytes"])
+  v = (bytes != "") ? bytes : ns(t, unit)
   if (!(op in seen)) { order[++count] = op; seen[op] = 1 }
   val[op, side] = v
 }

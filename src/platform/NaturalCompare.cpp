@@ -1,5 +1,7 @@
 #include "platform/NaturalCompare.h"
 
+#include <QtAlgorithms>
+
 #include <cstring>
 
 #ifdef Q_OS_WIN
@@ -139,8 +141,12 @@ inline void skipSharedPrefix(const ushort *&pa, const ushort *ea, const ushort *
         quint64 wa, wb;
         memcpy(&wa, pa + k, sizeof wa);
         memcpy(&wb, pb + k, sizeof wb);
-        if (wa != wb)
+        if (wa != wb) {
+            // The first differing unit is the lowest differing lane in memory order.
+            if (Q_BYTE_ORDER == Q_LITTLE_ENDIAN)
+                k += qCountTrailingZeroBits(wa ^ wb) >> 4;
             break;
+        }
     }
     while (k < shared && pa[k] == pb[k])
         ++k;

@@ -183,7 +183,10 @@ bool ZuAbstractTableModel::insertRows(int row, int count, const QModelIndex &)
         fresh.append(Cell());
     const int at = qMin(row, modelRows.size());
     if (at == modelRows.size()) {
-        modelRows.reserve(modelRows.size() + count);
+        // Only for a bulk insert: an exact reserve per single row would
+        // reallocate the list on every append.
+        if (count > 1)
+            modelRows.reserve(modelRows.size() + count);
         for (int i = 0; i < count; ++i) {
             modelRows.append(fresh);
             // Each row owns its cells from the start, so a bulk load doesn't pay

@@ -34,6 +34,10 @@
  * Not supported: inserting or removing columns, moving rows, sorting. The
  * model takes no locks and belongs to the thread of its views.
  *
+ * Note that QAbstractItemView calls submit() on its model whenever the
+ * current row changes; to keep a batch of edits staged until the user submits,
+ * disconnect the view's selection model's currentRowChanged from submit().
+ *
  * Choices where the contract leaves room:
  * - the roles are the one public enum ItemDataRole below;
  * - fromJsonObject() with a row outside the table writes no cell (the missing
@@ -44,7 +48,9 @@
  * - on a table without columns the imports, copy() and revertRow() emit no
  *   dataChanged, since there is no cell to name;
  * - data(), isDirty() and the editing operations never read past the stored
- *   rows, even for an index of another model.
+ *   rows, even for an index of another model;
+ * - toJsonArray() asks headerData() for the column keys once per export, not
+ *   once per row: the keys can't change while the rows are read.
  */
 class ZUCORE_EXPORT ZuAbstractTableModel : public QAbstractTableModel
 {
