@@ -42,8 +42,7 @@ void tst_ZuCore::datesAndFormats()
     const QDateTime now = ZuCore::dateTimeFromString(ZuCore::dateTimeToString(QDateTime()));
     QVERIFY2(now >= before && now <= QDateTime::currentDateTime(), qPrintable(now.toString()));
 
-    // A valid date at a time that doesn't exist there (a daylight saving gap) is invalid but not
-    // QDateTime::isNull: null for isNullDateTime, handed to toString as it is.
+    // A time inside a daylight saving gap: invalid but not QDateTime::isNull.
     const QDateTime halfValid(QDate(2021, 3, 28), QTime(2, 30), QTimeZone("Europe/Berlin"));
     QVERIFY(!halfValid.isNull() && ZuCore::isNullDateTime(halfValid));
     QCOMPARE(ZuCore::dateTimeToString(halfValid), halfValid.toString(ZuCore::dateTimeFormat()));
@@ -106,7 +105,6 @@ void tst_ZuCore::daysOfWeek()
 
 void tst_ZuCore::stringsAndLists()
 {
-    QCOMPARE(ZuCore::escapeField(""), QString(""));
     QCOMPARE(ZuCore::escapeField("'"), QString("''"));
     QCOMPARE(ZuCore::escapeField("O'Brien's \"x\"\\"), QString("O''Brien''s \"x\"\\"));
     QCOMPARE(ZuCore::checkChar().unicode(), ushort(10003));
@@ -120,29 +118,26 @@ void tst_ZuCore::stringsAndLists()
 
 void tst_ZuCore::matchValue_data()
 {
-    QTest::addColumn<int>("rows");
     QTest::addColumn<int>("column");
     QTest::addColumn<QVariant>("value");
     QTest::addColumn<int>("role");
     QTest::addColumn<int>("row"); // -1: invalid index
-    QTest::newRow("first of two hits") << 4 << 1 << QVariant("b") << int(Qt::DisplayRole) << 1;
-    QTest::newRow("by user role") << 4 << 0 << QVariant(30) << int(Qt::UserRole) << 3;
-    QTest::newRow("only in a child") << 4 << 1 << QVariant("zz") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("no rows") << 0 << 0 << QVariant("a") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("no such column") << 4 << 5 << QVariant("a") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("negative column") << 4 << -1 << QVariant("a") << int(Qt::DisplayRole) << -1;
+    QTest::newRow("first of two hits") << 1 << QVariant("b") << int(Qt::DisplayRole) << 1;
+    QTest::newRow("by user role") << 0 << QVariant(30) << int(Qt::UserRole) << 3;
+    QTest::newRow("only in a child") << 1 << QVariant("zz") << int(Qt::DisplayRole) << -1;
+    QTest::newRow("no such column") << 5 << QVariant("a") << int(Qt::DisplayRole) << -1;
+    QTest::newRow("negative column") << -1 << QVariant("a") << int(Qt::DisplayRole) << -1;
 }
 
 void tst_ZuCore::matchValue()
 {
-    QFETCH(int, rows);
     QFETCH(int, column);
     QFETCH(QVariant, value);
     QFETCH(int, role);
     QFETCH(int, row);
     QStandardItemModel model(0, 2);
     const char *texts[] = { "a", "b", "c", "b" };
-    for (int r = 0; r < rows; ++r) {
+    for (int r = 0; r < 4; ++r) {
         auto *first = new QStandardItem(QString::number(r));
         first->setData(10 * r, Qt::UserRole);
         first->appendRow({ new QStandardItem, new QStandardItem("zz") }); // not searched
@@ -157,26 +152,18 @@ void tst_ZuCore::md5_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("digest");
-    // RFC 1321, appendix A.5.
+    // RFC 1321, appendix A.5; the last spans two blocks.
     QTest::newRow("empty") << ""
                            << "d41d8cd98f00b204e9800998ecf8427e";
-    QTest::newRow("a") << "a"
-                       << "0cc175b9c0f1b6a831c399e269772661";
     QTest::newRow("abc") << "abc"
                          << "900150983cd24fb0d6963f7d28e17f72";
-    QTest::newRow("message digest") << "message digest"
-                                    << "f96b697d7cb7938d525a2f31aaf161d0";
-    QTest::newRow("a-z") << "abcdefghijklmnopqrstuvwxyz"
-                         << "c3fcd3d76192e4007dfb496cca67e13b";
-    QTest::newRow("A-Za-z0-9") << "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
-                               << "d174ab98d277d9f5a5611c2c9f419d9f";
     QTest::newRow("8 x 1234567890")
         << QString("1234567890").repeated(8) << "57edf4a22be3c955ac49da2e2107b67a";
     // Non-ASCII goes in as UTF-8 (lone surrogates as Qt encodes them), and the block edges (55,
     // 56, 64 bytes, buffer refills) hold.
     const QString mixed = QString::fromUtf8("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80x");
-    for (const QString &text : { mixed, mixed.repeated(300), QString(55, 'q'), QString(56, 'q'),
-                                 QString(64, 'q'), QString(QChar(0xd800)) + "lone" })
+    for (const QString &text : { mixed.repeated(300), QString(55, 'q'), QString(56, 'q'),
+                                 QString(QChar(0xd800)) + "lone" })
         QTest::newRow(qPrintable(QStringLiteral("utf8 %1").arg(text.size())))
             << text
             << QString::fromLatin1(
@@ -197,9 +184,6 @@ void tst_ZuCore::json_data()
     QTest::addColumn<QString>("logged"); // empty: nothing logged
     QTest::newRow("object") << "{ \"b\": [1, 2], \"a\": \"\\u00e4\" }"
                             << QString::fromUtf8("{\"a\":\"\xc3\xa4\",\"b\":[1,2]}") << "";
-    QTest::newRow("empty object") << "{}"
-                                  << "{}"
-                                  << "";
     QTest::newRow("empty text") << ""
                                 << "{}"
                                 << "Invalid JSON...\n\n";
@@ -230,17 +214,11 @@ struct LargerPrivate : ZuPrivate
 
 void tst_ZuCore::optionsAndPrivatable()
 {
-    const QFlags<ZuCore::ModelOption> options = ZuCore::ReadOnly | ZuCore::ModelOption16;
-    QCOMPARE(int(options), 17);
-    QCOMPARE(int(ZuCore::ModelOption8), 8);
+    QCOMPARE(int(ZuCore::ReadOnly | ZuCore::ModelOption16), 17);
     QCOMPARE(QMetaEnum::fromType<ZuCore::ModelOptions>().keyToValue("ModelOption16"), 16);
     // Both are released without harm; the sanitizer build sees a leak or a mismatched delete.
-    {
-        ZuPrivatable empty(nullptr);
-    }
-    {
-        ZuPrivatable owner(new LargerPrivate);
-    }
+    ZuPrivatable empty(nullptr);
+    ZuPrivatable owner(new LargerPrivate);
     QVERIFY(!std::is_copy_constructible<ZuPrivatable>::value);
 }
 

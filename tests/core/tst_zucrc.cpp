@@ -22,12 +22,9 @@ void tst_ZuCrc::checkValues_data()
     QTest::addColumn<uint>("crc");
     QTest::newRow("123456789") << QByteArray("123456789") << 9 << 0xCBF43926u;
     QTest::newRow("front only") << QByteArray("123456789abc") << 9 << 0xCBF43926u;
-    QTest::newRow("fox") << QByteArray("The quick brown fox jumps over the lazy dog") << 43
-                         << 0x414FA339u;
     QTest::newRow("one zero byte") << QByteArray(1, '\0') << 1 << 0xD202EF8Du;
     QTest::newRow("length 0") << QByteArray("abc") << 0 << 0u;
     QTest::newRow("negative length") << QByteArray("abc") << -4 << 0u;
-    QTest::newRow("empty array") << QByteArray() << 0 << 0u;
     QTest::newRow("length beyond the data") << QByteArray("123456789") << 4096 << 0xCBF43926u;
 }
 
@@ -39,8 +36,8 @@ void tst_ZuCrc::checkValues()
     QCOMPARE(ZuCrc::crc32(data, length), crc);
 }
 
-// Every size from 0 to 300 at every offset mod 16 (the kernels have 8-, 16- and 64-byte steps),
-// then some large ones, against zlib.
+// Every size to 300 at every offset mod 16 (the kernels step by 8, 16 and 64 bytes), then a few
+// large ones.
 void tst_ZuCrc::agreesWithZlib()
 {
     QRandomGenerator random(20240501);
@@ -54,7 +51,7 @@ void tst_ZuCrc::agreesWithZlib()
             const QByteArray view = QByteArray::fromRawData(pool.constData() + offset, size);
             QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
         }
-    for (int size : { 4095, 4096, 65536 + 17, 1024 * 1024, 4 * 1024 * 1024 + 33 }) {
+    for (int size : { 4095, 65536 + 17, 4 * 1024 * 1024 + 33 }) {
         const QByteArray view = QByteArray::fromRawData(pool.constData() + 7, size);
         QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
     }

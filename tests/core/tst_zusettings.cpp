@@ -25,16 +25,10 @@ bool tst_ZuSettings::runInChild(const char *function)
 {
     if (qEnvironmentVariableIsSet("ZU_TEST_CHILD"))
         return false;
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ZU_TEST_CHILD", "1");
-    child.setProcessEnvironment(environment);
-    child.setProcessChannelMode(QProcess::ForwardedChannels);
-    child.start(QCoreApplication::applicationFilePath(), { QString::fromLatin1(function) });
-    [&] {
-        QVERIFY(child.waitForFinished(60000));
-        QCOMPARE(child.exitCode(), 0);
-    }();
+    qputenv("ZU_TEST_CHILD", "1");
+    const int exitCode = QProcess::execute(QCoreApplication::applicationFilePath(), { function });
+    qunsetenv("ZU_TEST_CHILD");
+    [&] { QCOMPARE(exitCode, 0); }();
     return true;
 }
 
@@ -71,7 +65,6 @@ void tst_ZuSettings::sharedStore()
     first.setValue("top", 1);
     first.beginGroup("window");
     second->setValue("width", 640); // inside the group the first object opened
-    QVERIFY(first.contains("width"));
     QCOMPARE(first.value("width"), QVariant(640));
     QCOMPARE(first.value("height", 480), QVariant(480));
     second->endGroup();
