@@ -13,10 +13,7 @@ class tst_ZuCore : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void datesAndFormats();
-    void storedStrings_data();
-    void storedStrings();
     void smallHelpers();
-    void matchValue_data();
     void matchValue();
     void md5();
     void json();
@@ -40,41 +37,22 @@ void tst_ZuCore::datesAndFormats()
     QVERIFY(!halfValid.isNull() && ZuCore::isNullDateTime(halfValid));
     QCOMPARE(ZuCore::dateTimeToString(halfValid), halfValid.toString(ZuCore::dateTimeFormat()));
     QVERIFY(ZuCore::isNullDate(QDate(2021, 2, 30)) && !ZuCore::isNullDate(QDate(2021, 2, 28)));
-}
 
-void tst_ZuCore::storedStrings_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("date"); // "n/a": the caller's default
-    QTest::addColumn<QString>("dateTime");
-    QTest::newRow("date") << QVariant(QDate(2023, 12, 31)) << "2023-12-31"
-                          << "2023-12-31 00:00:00";
-    QTest::newRow("date-time") << QVariant(QDateTime(QDate(2023, 12, 31), QTime(23, 5, 9)))
-                               << "2023-12-31"
-                               << "2023-12-31 23:05:09";
-    QTest::newRow("null variant") << QVariant() << "n/a"
-                                  << "n/a";
-    QTest::newRow("bad text") << QVariant("31/12/2023") << "n/a"
-                              << "n/a";
-}
-
-void tst_ZuCore::storedStrings()
-{
-    QFETCH(QVariant, value);
-    QFETCH(QString, date);
-    QFETCH(QString, dateTime);
-    QCOMPARE(ZuCore::toDateString(value, "n/a"), date);
-    QCOMPARE(ZuCore::toDateTimeString(value, "n/a"), dateTime);
-    // The fixed forms read back whatever the display format is.
+    // The stored forms are fixed, whatever the display format.
     ZuCore::setDateFormat(QStringLiteral("yy"));
-    if (date != "n/a") {
-        QCOMPARE(ZuCore::fromDateString(date), value.toDate());
-        QCOMPARE(ZuCore::fromDateTimeString(dateTime), value.toDateTime());
-        QCOMPARE(ZuCore::dateToMySqlString(value.toDate()), date);
-        QCOMPARE(ZuCore::dateTimeToMySqlString(value.toDateTime()), dateTime);
-    } else {
-        QVERIFY(ZuCore::isNullDate(ZuCore::fromDateString(value)));
-        QVERIFY(ZuCore::isNullDateTime(ZuCore::fromDateTimeString(value)));
+    const QDateTime stamp(QDate(2023, 12, 31), QTime(23, 5, 9));
+    QCOMPARE(ZuCore::toDateString(stamp, "n/a"), QStringLiteral("2023-12-31"));
+    QCOMPARE(ZuCore::toDateTimeString(stamp.date(), "n/a"), QStringLiteral("2023-12-31 00:00:00"));
+    QCOMPARE(ZuCore::toDateTimeString(stamp, "n/a"), QStringLiteral("2023-12-31 23:05:09"));
+    QCOMPARE(ZuCore::dateTimeToMySqlString(stamp), QStringLiteral("2023-12-31 23:05:09"));
+    QCOMPARE(ZuCore::dateToMySqlString(stamp.date()), QStringLiteral("2023-12-31"));
+    QCOMPARE(ZuCore::fromDateTimeString(QStringLiteral("2023-12-31 23:05:09")), stamp);
+    QCOMPARE(ZuCore::fromDateString(QStringLiteral("2023-12-31")), stamp.date());
+    for (const QVariant &bad : { QVariant(), QVariant("31/12/2023") }) {
+        QCOMPARE(ZuCore::toDateString(bad, "n/a"), QStringLiteral("n/a"));
+        QCOMPARE(ZuCore::toDateTimeString(bad, "n/a"), QStringLiteral("n/a"));
+        QVERIFY(ZuCore::isNullDate(ZuCore::fromDateString(bad)));
+        QVERIFY(ZuCore::isNullDateTime(ZuCore::fromDateTimeString(bad)));
     }
     ZuCore::setDateFormat(QStringLiteral("MMM dd, yyyy"));
 }
@@ -116,36 +94,20 @@ void tst_ZuCore::smallHelpers()
     QVERIFY(!std::is_copy_constructible<ZuPrivatable>::value);
 }
 
-void tst_ZuCore::matchValue_data()
-{
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<int>("role");
-    QTest::addColumn<int>("row"); // -1: invalid index
-    QTest::newRow("first of two hits") << 1 << QVariant("b") << int(Qt::DisplayRole) << 1;
-    QTest::newRow("by user role") << 0 << QVariant(30) << int(Qt::UserRole) << 3;
-    QTest::newRow("only in a child") << 1 << QVariant("zz") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("no such column") << 5 << QVariant("a") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("negative column") << -1 << QVariant("a") << int(Qt::DisplayRole) << -1;
-}
-
 void tst_ZuCore::matchValue()
 {
-    QFETCH(int, column);
-    QFETCH(QVariant, value);
-    QFETCH(int, role);
-    QFETCH(int, row);
     QStandardItemModel model(0, 2);
-    const char *texts[] = { "a", "b", "c", "b" };
-    for (int r = 0; r < 4; ++r) {
-        auto *first = new QStandardItem(QString::number(r));
-        first->setData(10 * r, Qt::UserRole);
+    for (const char *text : { "a", "b", "c", "b" }) {
+        auto *first = new QStandardItem;
+        first->setData(10 * model.rowCount(), Qt::UserRole);
         first->appendRow({ new QStandardItem, new QStandardItem("zz") }); // not searched
-        model.appendRow({ first, new QStandardItem(QString::fromLatin1(texts[r])) });
+        model.appendRow({ first, new QStandardItem(QString::fromLatin1(text)) });
     }
-    const QModelIndex hit = ZuCore::matchValue(&model, value, column, role);
-    QCOMPARE(hit.isValid() ? hit.row() : -1, row);
-    QVERIFY(!hit.isValid() || (hit.column() == column && !hit.parent().isValid()));
+    QCOMPARE(ZuCore::matchValue(&model, "b", 1, Qt::DisplayRole), model.index(1, 1)); // first hit
+    QCOMPARE(ZuCore::matchValue(&model, 30, 0, Qt::UserRole), model.index(3, 0));
+    QVERIFY(!ZuCore::matchValue(&model, "zz", 1, Qt::DisplayRole).isValid());
+    QVERIFY(!ZuCore::matchValue(&model, "a", 5, Qt::DisplayRole).isValid());
+    QVERIFY(!ZuCore::matchValue(&model, "a", -1, Qt::DisplayRole).isValid());
 }
 
 void tst_ZuCore::md5()

@@ -36,25 +36,21 @@ void tst_ZuCrc::checkValues()
     QCOMPARE(ZuCrc::crc32(data, length), crc);
 }
 
-// Every size to 300 at every offset mod 16 (the kernels step by 8, 16 and 64 bytes), then a few
+// Every size to 300 at every offset mod 16 (the kernels step by 8, 16 and 64 bytes), and a few
 // large ones.
 void tst_ZuCrc::agreesWithZlib()
 {
-    QRandomGenerator random(20240501);
     QByteArray pool(4 * 1024 * 1024 + 64, Qt::Uninitialized);
-    random.fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
-    const auto zlib = [](const char *p, int n) {
-        return uint(::crc32(::crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef *>(p), uInt(n)));
-    };
+    QRandomGenerator(2024).fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
+    QList<int> sizes = { 4095, 65536 + 17, 4 * 1024 * 1024 + 33 };
+    for (int size = 0; size <= 300; ++size)
+        sizes.append(size);
     for (int offset = 0; offset < 16; ++offset)
-        for (int size = 0; size <= 300; ++size) {
-            const QByteArray view = QByteArray::fromRawData(pool.constData() + offset, size);
-            QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
+        for (int size : sizes) {
+            const char *data = pool.constData() + offset;
+            QCOMPARE(ZuCrc::crc32(QByteArray::fromRawData(data, size), size),
+                     uint(::crc32(0L, reinterpret_cast<const Bytef *>(data), uInt(size))));
         }
-    for (int size : { 4095, 65536 + 17, 4 * 1024 * 1024 + 33 }) {
-        const QByteArray view = QByteArray::fromRawData(pool.constData() + 7, size);
-        QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
-    }
 }
 
 ZU_TEST_MAIN(tst_ZuCrc)

@@ -3,51 +3,21 @@
 #include <zucore/ZuCore.h>
 #include <zucore/ZuSettings.h>
 
-#include <QProcess>
 #include <QSettings>
 
-// The store is process-wide and made once: the functions run in this order, and the two that
-// need a fresh process run in a child (this binary, one function, ZU_TEST_CHILD set).
+// The store is process-wide and made once: the functions run in this order, the first one before
+// anything has made the store.
 class tst_ZuSettings : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void defaultStore();
     void namedStore();
     void sharedStore();
     void fileNameConstructorRedirects();
-
-private:
-    bool runInChild(const char *function);
 };
-
-bool tst_ZuSettings::runInChild(const char *function)
-{
-    if (qEnvironmentVariableIsSet("ZU_TEST_CHILD"))
-        return false;
-    qputenv("ZU_TEST_CHILD", "1");
-    const int exitCode = QProcess::execute(QCoreApplication::applicationFilePath(), { function });
-    qunsetenv("ZU_TEST_CHILD");
-    [&] { QCOMPARE(exitCode, 0); }();
-    return true;
-}
-
-void tst_ZuSettings::defaultStore()
-{
-    if (runInChild("defaultStore"))
-        return;
-    QCoreApplication::setOrganizationName("Zu Org");
-    QCoreApplication::setApplicationName("zu-app");
-    ZuSettings settings;
-    QCOMPARE(settings.settings()->format(), QSettings::NativeFormat);
-    QCOMPARE(settings.settings()->organizationName(), QStringLiteral("Zu Org"));
-    QCOMPARE(settings.settings()->applicationName(), QStringLiteral("zu-app"));
-}
 
 void tst_ZuSettings::namedStore()
 {
-    if (runInChild("namedStore"))
-        return;
     ZuCore::setSettingsIniFileName("named.ini");
     ZuSettings settings;
     QCOMPARE(settings.settings()->format(), QSettings::IniFormat);
