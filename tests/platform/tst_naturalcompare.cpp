@@ -33,11 +33,8 @@ void TestNaturalCompare::pairs_data()
         { "tie: fewer zeros first", "a1", "a01", -1 },
         { "tie loses to later value", "a01b2", "a1b1", 1 },
         { "beyond 64 bits", "n" + n40, "n" + n39, 1 },
-        { "long runs differ last", n40 + "1", n40 + "2", -1 },
         { "accents fold case", QString::fromUtf8("ÉCOLE"), QString::fromUtf8("école"), 0 },
-        { "tie: accent after plain", "e", QString::fromUtf8("é"), -1 },
         { "arabic digits are symbols", QString::fromUtf8("٣"), "1", -1 },
-        { "embedded nul", QString::fromLatin1("a\0b", 3), QString::fromLatin1("a\0c", 3), -1 },
         // A view into a longer buffer: what follows the view must not count.
         { "raw data view", QString::fromRawData(reinterpret_cast<const QChar *>(u"a199"), 2), "a2",
           -1 },

@@ -98,6 +98,8 @@ bool run(Table &model, const QString &script)
             { "object", [&] { return model.insertFromJsonObject(object); } },
             { "strings", [&] { return model.insertFromStrings(arg.split(',')); } },
             { "list", [&] { return model.insertFromStringsList(lists); } },
+            { "header", [&] { return model.headerData(n(0), Qt::Horizontal).isValid(); } },
+            { "hint", [&] { return model.data(cell(0), Model::ItemHintRole) == 13; } },
         };
         const QHash<QString, std::function<void()>> voids {
             { "revert", [&] { model.revert(); } },
@@ -129,32 +131,12 @@ class tst_ZuAbstractTableModel : public QObject
     Q_OBJECT
 
 private slots:
-    void basics();
     void cellStates_data();
     void cellStates();
     void operations_data();
     void operations();
     void underModelTester();
 };
-
-void tst_ZuAbstractTableModel::basics()
-{
-    zutest::LogCapture capture;
-    Table model { ZuCore::ModelOption8 };
-    QCOMPARE(model.data(QModelIndex(), Model::ModelNameRole), QVariant("ZuAbstractTableModel"));
-    QVERIFY(!model.setHeaderData(0, Qt::Horizontal, "x", Qt::DisplayRole));
-    QVERIFY(model.setHeaderData(0, Qt::Vertical, "a")); // lands in the horizontal header
-    QCOMPARE(model.headerData(0, Qt::Horizontal, Qt::ToolTipRole), QVariant("a"));
-    QVERIFY(!model.headerData(5, Qt::Horizontal, Qt::DisplayRole).isValid());
-    QCOMPARE(logLines(capture), QStringList("4 Header data not set for section 5"));
-    QCOMPARE(model.itemInvalidReason(QModelIndex()),
-             "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
-    const QString text = R"([{"a":"note","b":"","c":true},{"a":-2.5,"b":"","c":null}])";
-    QVERIFY(model.insertFromJsonString(text));
-    QCOMPARE(model.toJsonString(), text);
-    QCOMPARE(model.data(model.index(0, 0), Model::ItemHintRole), QVariant(13));
-    QVERIFY(!model.data(model.index(0, 1), Model::ItemHintRole).isValid()); // no note
-}
 
 void tst_ZuAbstractTableModel::cellStates_data()
 {
@@ -234,6 +216,9 @@ void tst_ZuAbstractTableModel::operations_data()
     row("setData invalid index", "edit 0 5 z", false, "end /0");
     row("setData row outside", "foreign 5 0 z", false, "end /0", { "4 Invalid Row " + name + "5" });
     row("setData same value", "edit 0 0 A", false, "end /0");
+    row("header outside", "header 3", false, "end /0", { "4 Header data not set for section 3" });
+    row("hint beside a note", "edit 0 0 note|hint 0 0", true, "changed 0,0-0,0 [2] /0|end /1");
+    row("no hint without a note", "hint 0 0", false, "end /0");
     row("insertRows past the end", "insert 3 1", false, "end /0");
     row("removeRows too many", "remove 0 3", false, "end /0");
     row("copy invalid index", "copy 0 0 0 9", false, "end /0");
@@ -268,6 +253,7 @@ void tst_ZuAbstractTableModel::operations()
     Table model;
     QVERIFY(model.insertFromJsonString(fixture));
     const QString before = model.toJsonString();
+    QCOMPARE(before, fixture);
     zutest::LogCapture capture;
     bool result = false;
     QCOMPARE(recordSignals(model, [&] { result = run(model, steps); }).join('|'), expected);
@@ -288,6 +274,9 @@ void tst_ZuAbstractTableModel::underModelTester()
     for (const QString &step : steps.split('|'))
         QVERIFY2(run(model, step), qPrintable(step));
     QCOMPARE(model.rowCount(), 0);
+    QCOMPARE(model.data(QModelIndex(), Model::ModelNameRole), QVariant("ZuAbstractTableModel"));
+    QCOMPARE(model.itemInvalidReason(QModelIndex()),
+             "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
 }
 
 ZU_TEST_MAIN(tst_ZuAbstractTableModel)

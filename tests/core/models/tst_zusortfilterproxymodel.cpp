@@ -199,11 +199,9 @@ void TestZuSortFilterProxyModel::cellEditRoad()
     // An application's table behind the proxy, edited through it as a view would.
     ZuAbstractTableModel files;
     files.setHeaderData(0, Qt::Horizontal, "Name");
-    files.setHeaderData(1, Qt::Horizontal, "Size");
-    QVERIFY(files.insertFromStringsList({ { "file10", "3" }, { "file2", "1" }, { "File1", "2" } }));
+    QVERIFY(files.insertFromStringsList({ { "file10" }, { "file2" }, { "File1" } }));
     ZuSortFilterProxyModel proxy;
     proxy.setSourceModel(&files);
-    proxy.setSortColumns({ 0, 1 });
     proxy.sort(0); // natural order
     proxy.setSearchString("^file");
     QCOMPARE(visible(proxy), QString("File1,file2,file10"));
@@ -212,7 +210,6 @@ void TestZuSortFilterProxyModel::cellEditRoad()
     QCOMPARE(visible(proxy), QString("file0,File1,file2"));
     QVERIFY(proxy.setData(proxy.index(2, 0), "notes")); // re-filtered by it
     QCOMPARE(visible(proxy), QString("file0,File1"));
-    QVERIFY(!proxy.setData(proxy.index(0, 0), "file0")); // an equal value is refused
     files.revert();
     QCOMPARE(visible(proxy), QString("File1,file2,file10"));
 
