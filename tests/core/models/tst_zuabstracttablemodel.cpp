@@ -17,8 +17,7 @@ namespace {
 class Table : public Model
 {
 public:
-    explicit Table(QFlags<ZuCore::ModelOption> options = {})
-        : Model(options)
+    Table()
     {
         for (const char *header : { "a", "b", "c" })
             setHeaderData(headerValues.size(), Qt::Horizontal, header);
@@ -86,6 +85,12 @@ bool run(Table &model, const QString &script)
         QList<QStringList> lists;
         for (const QString &list : arg.split('/', Qt::SkipEmptyParts))
             lists << list.split(',');
+        auto done = [](const std::function<void()> &f) {
+            return [=] {
+                f();
+                return true;
+            };
+        };
         const QHash<QString, std::function<bool()>> ops {
             { "edit", [&] { return model.setData(cell(0), a.value(2)); } },
             { "display", [&] { return model.setData(cell(0), a.value(2), Qt::DisplayRole); } },
@@ -100,17 +105,12 @@ bool run(Table &model, const QString &script)
             { "list", [&] { return model.insertFromStringsList(lists); } },
             { "header", [&] { return model.headerData(n(0), Qt::Horizontal).isValid(); } },
             { "hint", [&] { return model.data(cell(0), Model::ItemHintRole) == 13; } },
+            { "revert", done([&] { model.revert(); }) },
+            { "revertRow", done([&] { model.revertRow(n(0)); }) },
+            { "clear", done([&] { model.clear(); }) },
+            { "refuse", done([&] { model.refuseInserts = true; }) },
         };
-        const QHash<QString, std::function<void()>> voids {
-            { "revert", [&] { model.revert(); } },
-            { "revertRow", [&] { model.revertRow(n(0)); } },
-            { "clear", [&] { model.clear(); } },
-            { "refuse", [&] { model.refuseInserts = true; } },
-        };
-        const QString op = step.section(' ', 0, 0);
-        if (voids.contains(op))
-            voids.value(op)();
-        ok = voids.contains(op) || ops.value(op)();
+        ok = ops.value(step.section(' ', 0, 0))();
     }
     return ok;
 }
