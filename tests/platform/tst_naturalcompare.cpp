@@ -22,7 +22,7 @@ void TestNaturalCompare::pairs_data()
     QTest::addColumn<QString>("a");
     QTest::addColumn<QString>("b");
     QTest::addColumn<int>("expected");
-    const QString n40 = QString(40, '1'), n39 = QString(39, '9');
+    const QString n40 = QString(40, '1');
     const QList<std::tuple<const char *, QString, QString, int>> rows = {
         { "empty first", QString(), "0", -1 },
         { "a2 before a10", "a2", "a10", -1 },
@@ -32,7 +32,7 @@ void TestNaturalCompare::pairs_data()
         { "leading zeros keep value", "a007", "a10", -1 },
         { "tie: fewer zeros first", "a1", "a01", -1 },
         { "tie loses to later value", "a01b2", "a1b1", 1 },
-        { "beyond 64 bits", "n" + n40, "n" + n39, 1 },
+        { "beyond 64 bits", "n" + n40, "n" + QString(39, '9'), 1 },
         { "accents fold case", QString::fromUtf8("ÉCOLE"), QString::fromUtf8("école"), 0 },
         { "arabic digits are symbols", QString::fromUtf8("٣"), "1", -1 },
         // A view into a longer buffer: what follows the view must not count.
@@ -70,20 +70,17 @@ void TestNaturalCompare::randomStringsFormAStrictWeakOrder()
             s += alphabet.at(random.bounded(alphabet.size()));
         strings << s;
     }
-    for (const QString &a : qAsConst(strings)) {
-        for (const QString &b : qAsConst(strings)) {
-            const int ab = naturalCompare(a, b);
-            QVERIFY2(ab == -naturalCompare(b, a), qPrintable(a + " | " + b));
-            // 0 means equal but for case, and nothing else.
-            QCOMPARE(ab == 0, fold(a) == fold(b));
-        }
-    }
     std::sort(strings.begin(), strings.end(),
               [](const QString &x, const QString &y) { return naturalCompare(x, y) < 0; });
-    for (int i = 0; i < strings.size(); ++i)
-        for (int j = i + 1; j < strings.size(); ++j)
-            QVERIFY2(naturalCompare(strings.at(i), strings.at(j)) <= 0,
-                     qPrintable(strings.at(i) + " | " + strings.at(j)));
+    for (int i = 0; i < strings.size(); ++i) {
+        for (int j = 0; j < strings.size(); ++j) {
+            const QString &a = strings.at(i), &b = strings.at(j);
+            const int ab = naturalCompare(a, b);
+            QVERIFY2(ab == -naturalCompare(b, a), qPrintable(a + " | " + b));
+            QCOMPARE(ab == 0, fold(a) == fold(b)); // 0 means equal but for case, nothing else
+            QVERIFY2(j < i || ab <= 0, qPrintable(a + " | " + b)); // sorted: transitive
+        }
+    }
 }
 
 ZU_TEST_MAIN(TestNaturalCompare)
