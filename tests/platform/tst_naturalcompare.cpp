@@ -26,7 +26,6 @@ void TestNaturalCompare::pairs_data()
     const QList<std::tuple<const char *, QString, QString, int>> rows = {
         { "empty first", QString(), "0", -1 },
         { "a2 before a10", "a2", "a10", -1 },
-        { "case only", "ReadMe.TXT", "readme.txt", 0 },
         { "digits before letters", "Z", "9", 1 },
         { "symbols before digits", "a b", "a1", -1 },
         { "leading zeros keep value", "a007", "a10", -1 },
@@ -57,11 +56,6 @@ void TestNaturalCompare::randomStringsFormAStrictWeakOrder()
 {
     // Where the token rules meet: both cases, accents, zeros, symbols, a surrogate pair.
     const QString alphabet = QString::fromUtf8("aAbBzZéÉeE00019_ .-αΑ😀");
-    const auto fold = [](QString s) {
-        for (QChar &c : s)
-            c = c.toCaseFolded();
-        return s;
-    };
     QRandomGenerator random(20261123);
     QStringList strings;
     for (int i = 0; i < 400; ++i) {
@@ -77,7 +71,9 @@ void TestNaturalCompare::randomStringsFormAStrictWeakOrder()
             const QString &a = strings.at(i), &b = strings.at(j);
             const int ab = naturalCompare(a, b);
             QVERIFY2(ab == -naturalCompare(b, a), qPrintable(a + " | " + b));
-            QCOMPARE(ab == 0, fold(a) == fold(b)); // 0 means equal but for case, nothing else
+            QCOMPARE(ab == 0,
+                     a.compare(b, Qt::CaseInsensitive)
+                         == 0); // 0 means equal but for case, nothing else
             QVERIFY2(j < i || ab <= 0, qPrintable(a + " | " + b)); // sorted: transitive
         }
     }

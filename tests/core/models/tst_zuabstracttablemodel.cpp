@@ -212,14 +212,11 @@ void tst_ZuAbstractTableModel::operations_data()
     row("insertRows past the end", "insert 3 1", false, "end /0");
     row("removeRows too many", "remove 0 3", false, "end /0");
     row("revertRow -1, 2, unedited 0", "revertRow -1|revertRow 2|revertRow 0", true, "end /0");
-    const QString deep = QString(5000, '[') + QString(5000, ']');
-    for (const QString &json : QStringList { "not json", "[{\"a\":1e400}]", deep }) {
-        QJsonParseError e;
-        QJsonDocument::fromJson(json.toUtf8(), &e);
-        row("parse error " + json.left(10), "json " + json, false,
-            QString("error Insert Error [%1]: %2 /0|end /0").arg(e.error).arg(e.errorString()),
-            { QString("4 %1%2 \"%3\"").arg(name).arg(e.error).arg(e.errorString()) });
-    }
+    QJsonParseError e; // Qt's parser judges the text; the texts built from its verdict are ours
+    QJsonDocument::fromJson("not json", &e);
+    row("parse error", "json not json", false,
+        QString("error Insert Error [%1]: %2 /0|end /0").arg(e.error).arg(e.errorString()),
+        { QString("4 %1%2 \"%3\"").arg(name).arg(e.error).arg(e.errorString()) });
     const QString notArray = "JSON Document is not an array.";
     row("json object text", R"(json {"a":[1]})", false,
         "error Insert Error: " + notArray + " /0|end /0", { "4 " + name + notArray });

@@ -11,7 +11,6 @@
 
 namespace {
 
-// Column 0 of the proxy's rows, joined by commas.
 QString visible(const QAbstractItemModel &proxy)
 {
     QStringList keys;
@@ -76,7 +75,6 @@ void TestZuSortFilterProxyModel::filtering_data()
     const QString all = "alpha,Beta,gamma,delta";
     row("search, any case", {}, 0, {}, "BERLIN", false, "alpha,gamma");
     row("search and: dot needs every cell", {}, 1, {}, ".", false, "alpha,Beta,gamma");
-    row("search and, two columns", {}, 1, { 0, 1 }, "a", false, "Beta");
     row("inverted beats and", {}, 1, {}, "berlin", true, "Beta,delta");
     row("unbalanced parenthesis, inverted", {}, 0, {}, "(", true, all);
     // Rows failing column 1 reach the missing column 7, which logs and rejects them.
@@ -198,7 +196,6 @@ void TestZuSortFilterProxyModel::cellEditRoad()
     QVERIFY(!proxy.mapToSource(proxy.index(0, 0)).isValid());
     QCOMPARE(int(proxy.flags(proxy.index(0, 1))), 33);
     QCOMPARE(proxy.headerData(0, Qt::Vertical, Qt::DecorationRole), QVariant(0));
-    QCOMPARE(proxy.matchValue("file2", 0, Qt::DisplayRole), proxy.index(2, 0));
     // Its indexes carry no mapping of the base class: the dynamic re-sort of an
     // edit and a view's selection must cope with them.
     QTableView view;
