@@ -22,24 +22,21 @@ void TestNaturalCompare::pairs_data()
     QTest::addColumn<QString>("a");
     QTest::addColumn<QString>("b");
     QTest::addColumn<int>("expected");
-    const QString n40 = QString(40, '1');
-    const QList<std::tuple<const char *, QString, QString, int>> rows = {
-        { "empty first", QString(), "0", -1 },
-        { "a2 before a10", "a2", "a10", -1 },
-        { "digits before letters", "Z", "9", 1 },
-        { "symbols before digits", "a b", "a1", -1 },
-        { "leading zeros keep value", "a007", "a10", -1 },
-        { "tie: fewer zeros first", "a1", "a01", -1 },
-        { "tie loses to later value", "a01b2", "a1b1", 1 },
-        { "beyond 64 bits", "n" + n40, "n" + QString(39, '9'), 1 },
-        { "accents fold case", QString::fromUtf8("ÉCOLE"), QString::fromUtf8("école"), 0 },
-        { "arabic digits are symbols", QString::fromUtf8("٣"), "1", -1 },
-        // A view into a longer buffer: what follows the view must not count.
-        { "raw data view", QString::fromRawData(reinterpret_cast<const QChar *>(u"a199"), 2), "a2",
-          -1 },
-    };
-    for (const auto &[name, a, b, expected] : rows)
+    auto row = [](const char *name, const QString &a, const QString &b, int expected) {
         QTest::newRow(name) << a << b << expected;
+    };
+    row("empty first", QString(), "0", -1);
+    row("a2 before a10", "a2", "a10", -1);
+    row("digits before letters", "Z", "9", 1);
+    row("symbols before digits", "a b", "a1", -1);
+    row("leading zeros keep value", "a007", "a10", -1);
+    row("tie: fewer zeros first", "a1", "a01", -1);
+    row("tie loses to later value", "a01b2", "a1b1", 1);
+    row("beyond 64 bits", "n" + QString(40, '1'), "n" + QString(39, '9'), 1);
+    row("accents fold case", QString::fromUtf8("ÉCOLE"), QString::fromUtf8("école"), 0);
+    row("arabic digits are symbols", QString::fromUtf8("٣"), "1", -1);
+    row("view of a longer buffer, the rest unread",
+        QString::fromRawData(reinterpret_cast<const QChar *>(u"a199"), 2), "a2", -1);
 }
 
 void TestNaturalCompare::pairs()
@@ -71,10 +68,9 @@ void TestNaturalCompare::randomStringsFormAStrictWeakOrder()
             const QString &a = strings.at(i), &b = strings.at(j);
             const int ab = naturalCompare(a, b);
             QVERIFY2(ab == -naturalCompare(b, a), qPrintable(a + " | " + b));
-            QCOMPARE(ab == 0,
-                     a.compare(b, Qt::CaseInsensitive)
-                         == 0); // 0 means equal but for case, nothing else
-            QVERIFY2(j < i || ab <= 0, qPrintable(a + " | " + b)); // sorted: transitive
+            // 0 means equal but for case, nothing else; sorted means transitive.
+            QCOMPARE(ab == 0, a.compare(b, Qt::CaseInsensitive) == 0);
+            QVERIFY2(j < i || ab <= 0, qPrintable(a + " | " + b));
         }
     }
 }
