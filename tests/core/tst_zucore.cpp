@@ -4,7 +4,6 @@
 #include <zucore/ZuCore.h>
 #include <zucore/ZuPrivatable.h>
 
-#include <QCryptographicHash>
 #include <QStandardItemModel>
 #include <QTimeZone>
 
@@ -13,101 +12,65 @@ class tst_ZuCore : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void datesAndFormats();
-    void storedStrings_data();
-    void storedStrings();
-    void daysOfWeek();
-    void stringsAndLists();
-    void matchValue_data();
+    void smallHelpers();
     void matchValue();
-    void md5_data();
     void md5();
-    void json_data();
     void json();
-    void optionsAndPrivatable();
 };
 
 void tst_ZuCore::datesAndFormats()
 {
     QCOMPARE(ZuCore::dateFormat(), QStringLiteral("MMM dd, yyyy"));
     QCOMPARE(ZuCore::dateTimeFormat(), QStringLiteral("MMM dd, yyyy hh:mm:ss"));
-    QCOMPARE(ZuCore::settingsIniFileName(), QString());
     ZuCore::setDateFormat(QStringLiteral("dd.MM.yyyy"));
     QCOMPARE(ZuCore::dateToString(QDate(2024, 3, 9)), QStringLiteral("09.03.2024"));
     QCOMPARE(ZuCore::dateFromString(QStringLiteral("09.03.2024")), QDate(2024, 3, 9));
-    // A null date prints today, a null date-time the present moment.
+    // A null date prints today.
     QCOMPARE(ZuCore::dateToString(ZuCore::nullDate()),
              QDate::currentDate().toString(QStringLiteral("dd.MM.yyyy")));
     ZuCore::setDateFormat(QStringLiteral("MMM dd, yyyy"));
-    const QDateTime before = QDateTime::currentDateTime().addSecs(-1);
-    const QDateTime now = ZuCore::dateTimeFromString(ZuCore::dateTimeToString(QDateTime()));
-    QVERIFY2(now >= before && now <= QDateTime::currentDateTime(), qPrintable(now.toString()));
 
-    // A valid date at a time that doesn't exist there (a daylight saving gap) is invalid but not
-    // QDateTime::isNull: null for isNullDateTime, handed to toString as it is.
+    // A time inside a daylight saving gap: invalid but not QDateTime::isNull.
     const QDateTime halfValid(QDate(2021, 3, 28), QTime(2, 30), QTimeZone("Europe/Berlin"));
     QVERIFY(!halfValid.isNull() && ZuCore::isNullDateTime(halfValid));
-    QCOMPARE(ZuCore::dateTimeToString(halfValid), halfValid.toString(ZuCore::dateTimeFormat()));
     QVERIFY(ZuCore::isNullDate(QDate(2021, 2, 30)) && !ZuCore::isNullDate(QDate(2021, 2, 28)));
-}
 
-void tst_ZuCore::storedStrings_data()
-{
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<QString>("date"); // "n/a": the caller's default
-    QTest::addColumn<QString>("dateTime");
-    QTest::newRow("date") << QVariant(QDate(2023, 12, 31)) << "2023-12-31"
-                          << "2023-12-31 00:00:00";
-    QTest::newRow("date-time") << QVariant(QDateTime(QDate(2023, 12, 31), QTime(23, 5, 9)))
-                               << "2023-12-31"
-                               << "2023-12-31 23:05:09";
-    QTest::newRow("null variant") << QVariant() << "n/a"
-                                  << "n/a";
-    QTest::newRow("bad text") << QVariant("31/12/2023") << "n/a"
-                              << "n/a";
-}
-
-void tst_ZuCore::storedStrings()
-{
-    QFETCH(QVariant, value);
-    QFETCH(QString, date);
-    QFETCH(QString, dateTime);
-    QCOMPARE(ZuCore::toDateString(value, "n/a"), date);
-    QCOMPARE(ZuCore::toDateTimeString(value, "n/a"), dateTime);
-    // The fixed forms read back whatever the display format is.
+    // The stored forms are fixed, whatever the display format.
     ZuCore::setDateFormat(QStringLiteral("yy"));
-    if (date != "n/a") {
-        QCOMPARE(ZuCore::fromDateString(date), value.toDate());
-        QCOMPARE(ZuCore::fromDateTimeString(dateTime), value.toDateTime());
-        QCOMPARE(ZuCore::dateToMySqlString(value.toDate()), date);
-        QCOMPARE(ZuCore::dateTimeToMySqlString(value.toDateTime()), dateTime);
-    } else {
-        QVERIFY(ZuCore::isNullDate(ZuCore::fromDateString(value)));
-        QVERIFY(ZuCore::isNullDateTime(ZuCore::fromDateTimeString(value)));
+    const QDateTime stamp(QDate(2023, 12, 31), QTime(23, 5, 9));
+    QCOMPARE(ZuCore::toDateString(stamp, "n/a"), QStringLiteral("2023-12-31"));
+    QCOMPARE(ZuCore::toDateTimeString(stamp.date(), "n/a"), QStringLiteral("2023-12-31 00:00:00"));
+    QCOMPARE(ZuCore::toDateTimeString(stamp, "n/a"), QStringLiteral("2023-12-31 23:05:09"));
+    QCOMPARE(ZuCore::fromDateTimeString(QStringLiteral("2023-12-31 23:05:09")), stamp);
+    QCOMPARE(ZuCore::fromDateString(QStringLiteral("2023-12-31")), stamp.date());
+    for (const QVariant &bad : { QVariant(), QVariant("31/12/2023") }) {
+        QCOMPARE(ZuCore::toDateString(bad, "n/a"), QStringLiteral("n/a"));
+        QCOMPARE(ZuCore::toDateTimeString(bad, "n/a"), QStringLiteral("n/a"));
+        QVERIFY(ZuCore::isNullDate(ZuCore::fromDateString(bad)));
+        QVERIFY(ZuCore::isNullDateTime(ZuCore::fromDateTimeString(bad)));
     }
     ZuCore::setDateFormat(QStringLiteral("MMM dd, yyyy"));
 }
 
-void tst_ZuCore::daysOfWeek()
+struct LargerPrivate : ZuPrivate
+{
+    int values[4] = { 1, 2, 3, 4 };
+};
+
+void tst_ZuCore::smallHelpers()
 {
     const QStringList names = { "Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat" };
     QCOMPARE(ZuCore::mySqlDaysOfWeek(), names);
-    for (int qtDay = 1; qtDay <= 7; ++qtDay) {
-        const int mySqlDay = ZuCore::dayOfWeekQtToMySql(qtDay);
-        QCOMPARE(mySqlDay, qtDay % 7 + 1); // Monday 2 ... Sunday 1
-        QCOMPARE(ZuCore::dayOfWeekMySqlToQt(mySqlDay), qtDay);
-        QCOMPARE(ZuCore::mySqlDayOfWeek(mySqlDay), names.at(mySqlDay - 1));
+    QCOMPARE(ZuCore::dayOfWeekQtToMySql(Qt::Sunday), 1);
+    for (int day = 1; day <= 7; ++day) {
+        QCOMPARE(ZuCore::mySqlDayOfWeek(ZuCore::dayOfWeekQtToMySql(day)), names.at(day % 7));
+        QCOMPARE(ZuCore::dayOfWeekMySqlToQt(ZuCore::dayOfWeekQtToMySql(day)), day);
     }
-    for (int bad : { 0, 8, -1 }) {
-        QCOMPARE(ZuCore::dayOfWeekQtToMySql(bad), 0);
-        QCOMPARE(ZuCore::dayOfWeekMySqlToQt(bad), 0);
+    for (int bad : { 0, 8 }) {
+        QCOMPARE(ZuCore::dayOfWeekQtToMySql(bad) + ZuCore::dayOfWeekMySqlToQt(bad), 0);
         QCOMPARE(ZuCore::mySqlDayOfWeek(bad), QStringLiteral("Unknown Day"));
     }
-}
 
-void tst_ZuCore::stringsAndLists()
-{
-    QCOMPARE(ZuCore::escapeField(""), QString(""));
-    QCOMPARE(ZuCore::escapeField("'"), QString("''"));
     QCOMPARE(ZuCore::escapeField("O'Brien's \"x\"\\"), QString("O''Brien''s \"x\"\\"));
     QCOMPARE(ZuCore::checkChar().unicode(), ushort(10003));
     QCOMPARE(ZuCore::crossChar().unicode(), ushort(9747));
@@ -116,132 +79,60 @@ void tst_ZuCore::stringsAndLists()
     QCOMPARE(ZuCore::stringsToInts({ "7", "x", "-3", "", "0x10" }), QList<int>({ 7, 0, -3, 0, 0 }));
     QCOMPARE(ZuCore::stringsToUints({ "-1", "4294967295", "12" }),
              QList<uint>({ 4294967295u, 0u, 12u }));
-}
 
-void tst_ZuCore::matchValue_data()
-{
-    QTest::addColumn<int>("rows");
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QVariant>("value");
-    QTest::addColumn<int>("role");
-    QTest::addColumn<int>("row"); // -1: invalid index
-    QTest::newRow("first of two hits") << 4 << 1 << QVariant("b") << int(Qt::DisplayRole) << 1;
-    QTest::newRow("by user role") << 4 << 0 << QVariant(30) << int(Qt::UserRole) << 3;
-    QTest::newRow("only in a child") << 4 << 1 << QVariant("zz") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("no rows") << 0 << 0 << QVariant("a") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("no such column") << 4 << 5 << QVariant("a") << int(Qt::DisplayRole) << -1;
-    QTest::newRow("negative column") << 4 << -1 << QVariant("a") << int(Qt::DisplayRole) << -1;
+    QCOMPARE(int(ZuCore::ReadOnly | ZuCore::ModelOption16), 17);
+    QCOMPARE(QMetaEnum::fromType<ZuCore::ModelOptions>().keyToValue("ModelOption16"), 16);
+    // Both are released without harm; the sanitizer build sees a leak or a mismatched delete.
+    ZuPrivatable empty(nullptr);
+    ZuPrivatable owner(new LargerPrivate);
+    QVERIFY(!std::is_copy_constructible<ZuPrivatable>::value);
 }
 
 void tst_ZuCore::matchValue()
 {
-    QFETCH(int, rows);
-    QFETCH(int, column);
-    QFETCH(QVariant, value);
-    QFETCH(int, role);
-    QFETCH(int, row);
     QStandardItemModel model(0, 2);
-    const char *texts[] = { "a", "b", "c", "b" };
-    for (int r = 0; r < rows; ++r) {
-        auto *first = new QStandardItem(QString::number(r));
-        first->setData(10 * r, Qt::UserRole);
+    for (const char *text : { "a", "b", "c", "b" }) {
+        auto *first = new QStandardItem;
+        first->setData(10 * model.rowCount(), Qt::UserRole);
         first->appendRow({ new QStandardItem, new QStandardItem("zz") }); // not searched
-        model.appendRow({ first, new QStandardItem(QString::fromLatin1(texts[r])) });
+        model.appendRow({ first, new QStandardItem(QString::fromLatin1(text)) });
     }
-    const QModelIndex hit = ZuCore::matchValue(&model, value, column, role);
-    QCOMPARE(hit.isValid() ? hit.row() : -1, row);
-    QVERIFY(!hit.isValid() || (hit.column() == column && !hit.parent().isValid()));
-}
-
-void tst_ZuCore::md5_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("digest");
-    // RFC 1321, appendix A.5.
-    QTest::newRow("empty") << ""
-                           << "d41d8cd98f00b204e9800998ecf8427e";
-    QTest::newRow("a") << "a"
-                       << "0cc175b9c0f1b6a831c399e269772661";
-    QTest::newRow("abc") << "abc"
-                         << "900150983cd24fb0d6963f7d28e17f72";
-    QTest::newRow("message digest") << "message digest"
-                                    << "f96b697d7cb7938d525a2f31aaf161d0";
-    QTest::newRow("a-z") << "abcdefghijklmnopqrstuvwxyz"
-                         << "c3fcd3d76192e4007dfb496cca67e13b";
-    QTest::newRow("A-Za-z0-9") << "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
-                               << "d174ab98d277d9f5a5611c2c9f419d9f";
-    QTest::newRow("8 x 1234567890")
-        << QString("1234567890").repeated(8) << "57edf4a22be3c955ac49da2e2107b67a";
-    // Non-ASCII goes in as UTF-8 (lone surrogates as Qt encodes them), and the block edges (55,
-    // 56, 64 bytes, buffer refills) hold.
-    const QString mixed = QString::fromUtf8("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80x");
-    for (const QString &text : { mixed, mixed.repeated(300), QString(55, 'q'), QString(56, 'q'),
-                                 QString(64, 'q'), QString(QChar(0xd800)) + "lone" })
-        QTest::newRow(qPrintable(QStringLiteral("utf8 %1").arg(text.size())))
-            << text
-            << QString::fromLatin1(
-                   QCryptographicHash::hash(text.toUtf8(), QCryptographicHash::Md5).toHex());
+    QCOMPARE(ZuCore::matchValue(&model, "b", 1, Qt::DisplayRole), model.index(1, 1)); // first hit
+    QCOMPARE(ZuCore::matchValue(&model, 30, 0, Qt::UserRole), model.index(3, 0));
+    QVERIFY(!ZuCore::matchValue(&model, "zz", 1, Qt::DisplayRole).isValid());
+    QVERIFY(!ZuCore::matchValue(&model, "a", 5, Qt::DisplayRole).isValid());
+    QVERIFY(!ZuCore::matchValue(&model, "a", -1, Qt::DisplayRole).isValid());
 }
 
 void tst_ZuCore::md5()
 {
-    QFETCH(QString, text);
-    QFETCH(QString, digest);
-    QCOMPARE(ZuCore::md5(text), digest);
-}
-
-void tst_ZuCore::json_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("compact");
-    QTest::addColumn<QString>("logged"); // empty: nothing logged
-    QTest::newRow("object") << "{ \"b\": [1, 2], \"a\": \"\\u00e4\" }"
-                            << QString::fromUtf8("{\"a\":\"\xc3\xa4\",\"b\":[1,2]}") << "";
-    QTest::newRow("empty object") << "{}"
-                                  << "{}"
-                                  << "";
-    QTest::newRow("empty text") << ""
-                                << "{}"
-                                << "Invalid JSON...\n\n";
-    QTest::newRow("broken") << "{\"a\":"
-                            << "{}"
-                            << "Invalid JSON...\n{\"a\":\n";
-    QTest::newRow("array") << "[1,2]"
-                           << "{}"
-                           << "Document is not an object\n";
+    // RFC 1321, appendix A.5; the last spans two blocks.
+    QCOMPARE(ZuCore::md5(""), QStringLiteral("d41d8cd98f00b204e9800998ecf8427e"));
+    QCOMPARE(ZuCore::md5("abc"), QStringLiteral("900150983cd24fb0d6963f7d28e17f72"));
+    QCOMPARE(ZuCore::md5(QString("1234567890").repeated(8)),
+             QStringLiteral("57edf4a22be3c955ac49da2e2107b67a"));
+    // Text goes in as UTF-8 (3000 bytes: buffer refills); the padding edge at 56 bytes holds.
+    QCOMPARE(ZuCore::md5(QString::fromUtf8("\xc3\xa4\xe2\x82\xac\xf0\x9f\x98\x80x").repeated(300)),
+             QStringLiteral("d3a272a265676cf858f4051b5b5f87c4"));
+    QCOMPARE(ZuCore::md5(QString(56, 'q')), QStringLiteral("266ea7b18061f04ebe140d63ce648567"));
 }
 
 void tst_ZuCore::json()
 {
-    QFETCH(QString, text);
-    QFETCH(QString, compact);
-    QFETCH(QString, logged);
     zutest::LogCapture capture;
-    QCOMPARE(ZuCore::stringFromJsonObj(ZuCore::jsonObjFromString(text)), compact);
-    QCOMPARE(capture.records().size(), logged.isEmpty() ? 0 : 1);
-    if (!logged.isEmpty())
-        QVERIFY(capture.contains(Logger::Error, logged));
-}
-
-struct LargerPrivate : ZuPrivate
-{
-    int values[4] = { 1, 2, 3, 4 };
-};
-
-void tst_ZuCore::optionsAndPrivatable()
-{
-    const QFlags<ZuCore::ModelOption> options = ZuCore::ReadOnly | ZuCore::ModelOption16;
-    QCOMPARE(int(options), 17);
-    QCOMPARE(int(ZuCore::ModelOption8), 8);
-    QCOMPARE(QMetaEnum::fromType<ZuCore::ModelOptions>().keyToValue("ModelOption16"), 16);
-    // Both are released without harm; the sanitizer build sees a leak or a mismatched delete.
-    {
-        ZuPrivatable empty(nullptr);
+    const QJsonObject object = ZuCore::jsonObjFromString("{ \"b\": [1, 2], \"a\": \"\\u00e4\" }");
+    QCOMPARE(ZuCore::stringFromJsonObj(object),
+             QString::fromUtf8("{\"a\":\"\xc3\xa4\",\"b\":[1,2]}"));
+    QVERIFY(capture.records().isEmpty());
+    const QStringList bad = { "", "{\"a\":", "[1,2]" };
+    const QStringList logged
+        = { "Invalid JSON...\n\n", "Invalid JSON...\n{\"a\":\n", "Document is not an object\n" };
+    for (int i = 0; i < bad.size(); ++i) {
+        capture.clear();
+        QVERIFY(ZuCore::jsonObjFromString(bad.at(i)).isEmpty());
+        QCOMPARE(capture.records().size(), 1);
+        QVERIFY2(capture.contains(Logger::Error, logged.at(i)), qPrintable(bad.at(i)));
     }
-    {
-        ZuPrivatable owner(new LargerPrivate);
-    }
-    QVERIFY(!std::is_copy_constructible<ZuPrivatable>::value);
 }
 
 ZU_TEST_MAIN(tst_ZuCore)

@@ -22,12 +22,8 @@ void tst_ZuCrc::checkValues_data()
     QTest::addColumn<uint>("crc");
     QTest::newRow("123456789") << QByteArray("123456789") << 9 << 0xCBF43926u;
     QTest::newRow("front only") << QByteArray("123456789abc") << 9 << 0xCBF43926u;
-    QTest::newRow("fox") << QByteArray("The quick brown fox jumps over the lazy dog") << 43
-                         << 0x414FA339u;
-    QTest::newRow("one zero byte") << QByteArray(1, '\0') << 1 << 0xD202EF8Du;
     QTest::newRow("length 0") << QByteArray("abc") << 0 << 0u;
     QTest::newRow("negative length") << QByteArray("abc") << -4 << 0u;
-    QTest::newRow("empty array") << QByteArray() << 0 << 0u;
     QTest::newRow("length beyond the data") << QByteArray("123456789") << 4096 << 0xCBF43926u;
 }
 
@@ -39,25 +35,20 @@ void tst_ZuCrc::checkValues()
     QCOMPARE(ZuCrc::crc32(data, length), crc);
 }
 
-// Every size from 0 to 300 at every offset mod 16 (the kernels have 8-, 16- and 64-byte steps),
-// then some large ones, against zlib.
+// Every size to 300 at each offset mod 16 (kernel steps of 8, 16, 64 bytes), and large sizes.
 void tst_ZuCrc::agreesWithZlib()
 {
-    QRandomGenerator random(20240501);
     QByteArray pool(4 * 1024 * 1024 + 64, Qt::Uninitialized);
-    random.fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
-    const auto zlib = [](const char *p, int n) {
-        return uint(::crc32(::crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef *>(p), uInt(n)));
-    };
+    QRandomGenerator(2024).fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
+    QList<int> sizes = { 4095, 65536 + 17, 4 * 1024 * 1024 + 33 };
+    for (int size = 0; size <= 300; ++size)
+        sizes.append(size);
     for (int offset = 0; offset < 16; ++offset)
-        for (int size = 0; size <= 300; ++size) {
-            const QByteArray view = QByteArray::fromRawData(pool.constData() + offset, size);
-            QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
+        for (int size : sizes) {
+            const char *data = pool.constData() + offset;
+            QCOMPARE(ZuCrc::crc32(QByteArray::fromRawData(data, size), size),
+                     uint(::crc32(0L, reinterpret_cast<const Bytef *>(data), uInt(size))));
         }
-    for (int size : { 4095, 4096, 65536 + 17, 1024 * 1024, 4 * 1024 * 1024 + 33 }) {
-        const QByteArray view = QByteArray::fromRawData(pool.constData() + 7, size);
-        QCOMPARE(ZuCrc::crc32(view, size), zlib(view.constData(), size));
-    }
 }
 
 ZU_TEST_MAIN(tst_ZuCrc)
