@@ -13,19 +13,33 @@ using Model = ZuAbstractTableModel;
 
 namespace {
 
-// Columns a, b, c; inserts can be refused.
+// Columns a, b, c unless told otherwise. Column 2 is not editable, a cell
+// holding "bad" is invalid, one holding "note" has a note, inserts can be refused.
 class Table : public Model
 {
 public:
-    Table()
+    explicit Table(QFlags<ZuCore::ModelOption> options = {},
+                   const QStringList &headers = { "a", "b", "c" })
+        : Model(options)
     {
-        for (const char *header : { "a", "b", "c" })
+        for (const QString &header : headers)
             setHeaderData(headerValues.size(), Qt::Horizontal, header);
     }
     bool refuseInserts = false;
     bool insertRows(int row, int count, const QModelIndex &parent = {}) override
     {
         return !refuseInserts && Model::insertRows(row, count, parent);
+    }
+    int itemIsEditable(const QModelIndex &index) const override { return index.column() != 2; }
+    bool itemIsValid(const QModelIndex &index) const override
+    {
+        return data(index, Qt::EditRole) != "bad";
+    }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (role == ItemNoteRole && Model::data(index, Qt::EditRole) == "note")
+            return "a note";
+        return Model::data(index, role);
     }
 };
 
@@ -123,12 +137,50 @@ class tst_ZuAbstractTableModel : public QObject
     Q_OBJECT
 
 private slots:
+    void roles_data();
+    void roles();
     void cellStates_data();
     void cellStates();
     void operations_data();
     void operations();
+    void exports();
     void underModelTester();
 };
+
+void tst_ZuAbstractTableModel::roles_data()
+{
+    QTest::addColumn<int>("options");
+    QTest::addColumn<int>("itemOptions");
+    QTest::addColumn<QVariant>("hint");
+    QTest::newRow("none") << 0 << 0 << QVariant(13);
+    QTest::newRow("8") << 8 << 2 << QVariant(13);
+    QTest::newRow("16") << 16 << 1 << QVariant();
+    QTest::newRow("8 and 16") << 24 << 3 << QVariant();
+    QTest::newRow("read-only, untested here") << 1 << 0 << QVariant(13);
+}
+
+void tst_ZuAbstractTableModel::roles()
+{
+    QFETCH(int, options);
+    QFETCH(int, itemOptions);
+    QFETCH(QVariant, hint);
+    Table model { QFlags<ZuCore::ModelOption>(options) };
+    QVERIFY(model.insertFromStringsList({ { "note", "bad", "z" }, { "n", "ok", "z" } }));
+    const QModelIndex noted = model.index(0, 0), fixed = model.index(0, 2);
+    QCOMPARE(model.data(noted, Model::ItemOptionsRole), QVariant(itemOptions));
+    QCOMPARE(model.data(noted, Model::ModelOptionsRole), QVariant(options));
+    QCOMPARE(model.data(noted, Model::ItemHintRole), hint);
+    QVERIFY(!model.data(model.index(1, 0), Model::ItemHintRole).isValid()); // no note
+    QVERIFY(!model.data(noted, 270).isValid());
+    QVERIFY(model.flags(fixed) & Qt::ItemIsEditable); // even where the item check says no
+    QCOMPARE(model.data(fixed, Model::ItemEditableRole), QVariant(0));
+    QCOMPARE(model.data(model.index(0, 1), Model::ItemValidRole), QVariant(false));
+    QCOMPARE(model.data(fixed, Model::RowValidRole), QVariant(false));
+    QCOMPARE(model.data(model.index(1, 2), Model::RowValidRole), QVariant(true));
+    QCOMPARE(model.data(fixed, Model::ItemEmptyTextRole), QVariant(QString("")));
+    QCOMPARE(model.data(fixed, Qt::DisplayRole), QVariant("z"));
+    QVERIFY(!model.data(fixed, Qt::ToolTipRole).isValid());
+}
 
 void tst_ZuAbstractTableModel::cellStates_data()
 {
@@ -240,6 +292,39 @@ void tst_ZuAbstractTableModel::operations()
     if (!ok)
         QCOMPARE(model.toJsonString(), fixture);
     QCOMPARE(logLines(capture), log);
+}
+
+void tst_ZuAbstractTableModel::exports()
+{
+    Table model;
+    QCOMPARE(model.toJsonString(), "[]");
+    const QString text = R"([{"a":1,"b":"two","c":true},{"a":-2.5,"b":"","c":null}])";
+    QVERIFY(model.insertFromJsonString(text));
+    QCOMPARE(model.toJsonString(), text);
+    QCOMPARE(model.index(0, 0).data().userType(), int(QMetaType::Double)); // JSON's one number type
+    QCOMPARE(model.toStringsList(),
+             QList<QStringList>({ { "1", "two", "true" }, { "-2.5", "", "" } }));
+    QCOMPARE(model.toStrings(9), QStringList({ "", "", "" }));
+    QCOMPARE(model.toJsonObject(9),
+             QJsonObject({ { "a", QJsonValue() }, { "b", QJsonValue() }, { "c", QJsonValue() } }));
+
+    // A load counts the table as clean but leaves earlier edits staged.
+    QVERIFY(model.setData(model.index(0, 1), "edited"));
+    QVERIFY(model.insertFromJsonArray({ QJsonObject { { "a", 3 }, { "b", 4 }, { "c", 5 } } }));
+    QVERIFY(!model.isDirty() && model.isDirty(model.index(0, 1)));
+    model.revert(); // row 1 holds a null previous value: it counts as new
+    QCOMPARE(model.toStringsList(),
+             QList<QStringList>({ { "1", "two", "true" }, { "3", "4", "5" } }));
+
+    Model bare;
+    QVERIFY(bare.insertRows(0, 2));
+    QVERIFY(bare.toJsonArray().isEmpty());
+    Table twins(
+        {}, { "k", "k", "m" }); // the later column wins on export; one member fills both on import
+    QVERIFY(twins.insertFromJsonObject({ { "k", "both" }, { "m", 3 } }));
+    QVERIFY(twins.setData(twins.index(0, 0), "first"));
+    QCOMPARE(twins.toJsonObject(0), QJsonObject({ { "k", "both" }, { "m", 3 } }));
+    QCOMPARE(twins.toStrings(0), QStringList({ "first", "both", "3" }));
 }
 
 void tst_ZuAbstractTableModel::underModelTester()
