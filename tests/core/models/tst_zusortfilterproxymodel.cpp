@@ -53,6 +53,7 @@ private slots:
     void filtering();
     void notAssignedRow_data();
     void notAssignedRow();
+    void notAssignedRowArithmetic();
     void modelTester();
     void cellEditRoad();
 };
@@ -131,6 +132,35 @@ void TestZuSortFilterProxyModel::notAssignedRow()
     proxy.setNotAssignedText("None");
     proxy.setUseSelectionRole(true); // no effect on the extra row
     QTEST(proxy.data(proxy.index(0, column), role), "expected");
+}
+
+// Out-of-range rows and columns give invalid indexes whether or not the extra row is shown, and
+// with it, source row n sits at proxy row n + 1 whatever the sort.
+void TestZuSortFilterProxyModel::notAssignedRowArithmetic()
+{
+    People proxy;
+    proxy.source.setVerticalHeaderLabels({ "first" });
+    proxy.source.setHorizontalHeaderLabels({ "Name" });
+    proxy.sort(0, Qt::DescendingOrder);
+    for (const bool enabled : { false, true }) {
+        proxy.setNotAssignedRowEnabled(enabled);
+        const int rows = proxy.rowCount(proxy.index(1, 0)); // the parent plays no part
+        QCOMPARE(rows, enabled ? 5 : 4);
+        const QList<QPair<int, int>> outside = { { rows, 0 }, { -1, 0 }, { 0, -1 }, { 0, 3 } };
+        for (const auto &[row, column] : outside)
+            QVERIFY(!proxy.index(row, column).isValid());
+        QVERIFY(!proxy.mapToSource(QModelIndex()).isValid());
+        QVERIFY(!proxy.mapFromSource(QModelIndex()).isValid());
+        QVERIFY(!proxy.matchValue("alpha", 9, Qt::DisplayRole).isValid());
+        QCOMPARE(proxy.flags(QModelIndex()), Qt::NoItemFlags);
+    }
+    QCOMPARE(visible(proxy), QString("0,alpha,Beta,gamma,delta"));
+    QCOMPARE(proxy.mapFromSource(proxy.source.index(0, 2)), proxy.index(1, 2));
+    QCOMPARE(proxy.mapToSource(proxy.index(2, 1)), proxy.source.index(1, 1));
+    QCOMPARE(proxy.headerData(0, Qt::Vertical, Qt::DecorationRole), QVariant(0));
+    QCOMPARE(proxy.headerData(1, Qt::Vertical).toString(), QString("first"));
+    QCOMPARE(proxy.headerData(0, Qt::Horizontal).toString(), QString("Name"));
+    QCOMPARE(proxy.matchValue("delta", 0, Qt::DisplayRole), proxy.index(4, 0));
 }
 
 void TestZuSortFilterProxyModel::modelTester()
