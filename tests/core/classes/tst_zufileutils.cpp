@@ -5,6 +5,11 @@
 #include <zucore/ZuFileUtils.h>
 
 #include <QDesktopServices>
+#include <QProcess>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -19,6 +24,45 @@ void writeFile(const QString &fileName, const QByteArray &data)
     QFile file(fileName);
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
 }
+
+// In a child started by fullDisk(): save under a 4 KiB file size limit, with SIGXFSZ ignored so
+// that the write fails instead of killing the process, and exit with the result.
+const int fullDiskChild = [] {
+    const QByteArray kind = qgetenv("ZU_TEST_FULL_DISK");
+    if (kind.isEmpty())
+        return 0;
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = { 4096, 4096 };
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const QString fileName = QString::fromLocal8Bit(qgetenv("ZU_TEST_FULL_DISK_FILE"));
+    const bool saved = kind == "binary"
+        ? ZuFileUtils::saveToBinaryFile(fileName, QByteArray(64 * 1024, 'n'))
+        : ZuFileUtils::saveToTextFile(fileName, QString(64 * 1024, QLatin1Char('n')));
+    _exit(saved ? 0 : 1);
+}();
+
+// Runs a scope as user and group "nobody" when the tests run as root, so that permissions hold;
+// the saved set-user-ID stays 0 to come back.
+class Unprivileged
+{
+public:
+    Unprivileged()
+        : m_wasRoot(geteuid() == 0)
+    {
+        if (m_wasRoot)
+            m_ok = setresgid(65534, 65534, 0) == 0 && setresuid(65534, 65534, 0) == 0;
+    }
+    ~Unprivileged()
+    {
+        if (m_wasRoot && (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0))
+            qFatal("cannot return to root");
+    }
+    bool ok() const { return m_ok; }
+
+private:
+    bool m_wasRoot;
+    bool m_ok = true;
+};
 
 } // namespace
 
@@ -37,6 +81,10 @@ private Q_SLOTS:
     void read();
     void save_data();
     void save();
+    void readOnlyFolder();
+    void readOnlyFileIsReplaced();
+    void fullDisk_data();
+    void fullDisk();
 
 private:
     QList<QUrl> m_opened;
@@ -44,7 +92,10 @@ private:
 
 void tst_ZuFileUtils::initTestCase()
 {
-    qunsetenv("DBUS_SESSION_BUS_ADDRESS"); // keep any real file manager out of reach
+    // Let "nobody" reach the folders below (the temporary folder is private to its owner), and
+    // keep any real file manager out of reach of the explorer test.
+    QFile::setPermissions(QDir::currentPath(), QFileDevice::Permissions(0x7755));
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "openUrl");
 }
 
@@ -200,6 +251,90 @@ void tst_ZuFileUtils::save()
         QCOMPARE(QDir("out").entryList(QDir::Files | QDir::Hidden),
                  QStringList({ "new.dat", "old.dat" }).mid(QFile::exists("out/new.dat") ? 0 : 1));
     }
+}
+
+// Without write access to the folder, an existing file stops the save at the first box and a new
+// one at the second; either way the folder keeps exactly what it had.
+void tst_ZuFileUtils::readOnlyFolder()
+{
+    QDir().mkpath("locked");
+    writeFile("locked/old.txt", "old");
+    QFile::setPermissions("locked", QFileDevice::Permissions(0x5555));
+    for (const QString name : { "locked/old.txt", "locked/new.txt" }) {
+        for (bool binary : { true, false }) {
+            zutest::ModalAnswerer answerer;
+            answerer.answerBox(QMessageBox::Ok);
+            bool saved = true;
+            QString reason;
+            {
+                Unprivileged user; // root could write into the read-only folder
+                QVERIFY(user.ok());
+                saved = binary ? ZuFileUtils::saveToBinaryFile(name, "new")
+                               : ZuFileUtils::saveToTextFile(name, "new");
+                QFile probe(name);
+                probe.remove();
+                reason = probe.errorString();
+            }
+            QVERIFY(!saved);
+            QCOMPARE(answerer.seen().size(), 1);
+            QCOMPARE(answerer.seen().first().text,
+                     name.endsWith("old.txt")
+                         ? QStringLiteral("Cannot remove previous version of file %1:\n%2.")
+                               .arg(name, reason)
+                         : QStringLiteral("Unable to save '%1'.\n\n Is the file currently open?")
+                               .arg(name));
+        }
+    }
+    QCOMPARE(contentOf("locked/old.txt"), QByteArray("old"));
+    QCOMPARE(QDir("locked").entryList(QDir::Files | QDir::Hidden), QStringList { "old.txt" });
+}
+
+void tst_ZuFileUtils::readOnlyFileIsReplaced()
+{
+    // Removing a read-only file and writing a new one works in a writable folder, so replacing
+    // it must work too, though the old file itself isn't writable.
+    QDir().mkpath("open");
+    QFile::setPermissions("open", QFileDevice::Permissions(0x7777));
+    writeFile("open/readonly.txt", "old");
+    QFile::setPermissions("open/readonly.txt", QFileDevice::ReadOwner | QFileDevice::ReadOther);
+    zutest::ModalAnswerer answerer;
+    {
+        Unprivileged user;
+        QVERIFY(user.ok());
+        QVERIFY(!QFileInfo("open/readonly.txt").isWritable());
+        QVERIFY(ZuFileUtils::saveToBinaryFile("open/readonly.txt", "new"));
+    }
+    QVERIFY(answerer.seen().isEmpty());
+    QCOMPARE(contentOf("open/readonly.txt"), QByteArray("new"));
+    QCOMPARE(QDir("open").entryList(QDir::Files | QDir::Hidden), QStringList { "readonly.txt" });
+}
+
+void tst_ZuFileUtils::fullDisk_data()
+{
+    QTest::addColumn<QByteArray>("kind");
+    QTest::addColumn<int>("exitCode"); // 0: the save returned true
+    QTest::newRow("binary") << QByteArray("binary") << 1;
+    QTest::newRow("text keeps its result") << QByteArray("text") << 0;
+}
+
+// A write that fails half-way keeps the old file byte for byte, with nothing left beside it.
+void tst_ZuFileUtils::fullDisk()
+{
+    QFETCH(QByteArray, kind);
+    QFETCH(int, exitCode);
+    const QByteArray old(3000, 'o'); // fits under the limit, the new content doesn't
+    writeFile("full.dat", old);
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("ZU_TEST_FULL_DISK", QString::fromLatin1(kind));
+    environment.insert("ZU_TEST_FULL_DISK_FILE", QDir::current().absoluteFilePath("full.dat"));
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(), QStringList());
+    QVERIFY(child.waitForFinished(60000));
+    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(child.exitCode(), exitCode);
+    QCOMPARE(contentOf("full.dat"), old);
+    QCOMPARE(QDir().entryList(QDir::Files | QDir::Hidden).filter("full").size(), 1);
 }
 
 ZU_TEST_MAIN(tst_ZuFileUtils)

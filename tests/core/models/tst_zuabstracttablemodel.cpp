@@ -65,13 +65,13 @@ QStringList recordSignals(Model &model, const std::function<void()> &action)
     QObject::connect(
         &model, &Model::dataChanged, &context,
         [=](const QModelIndex &tl, const QModelIndex &br, const QVector<int> &roles) {
-            note(QString("changed %1,%2-%3,%4 [%5]")
-                     .arg(tl.row())
-                     .arg(tl.column())
-                     .arg(br.row())
-                     .arg(br.column())
-                     .arg(roles.isEmpty() ? QString() : QString::number(roles.first())));
+            note(QString::asprintf(
+                "changed %d,%d-%d,%d [%s]", tl.row(), tl.column(), br.row(), br.column(),
+                qPrintable(roles.isEmpty() ? QString() : QString::number(roles.first()))));
         });
+    QObject::connect(
+        &model, &Model::error, &context,
+        [=](const QString &title, const QString &text) { note("error " + title + ": " + text); });
     QObject::connect(&model, &Model::dataSubmitted, &context,
                      [=](bool was) { note(QString("submitted %1").arg(was)); });
     action();
@@ -80,56 +80,48 @@ QStringList recordSignals(Model &model, const std::function<void()> &action)
 }
 
 // Runs "step|step|..." and gives the last step's answer; void steps answer true.
-bool run(Model &model, const QString &script)
+bool run(Table &model, const QString &script)
 {
     static QStandardItemModel foreign(10, 10); // valid indexes outside any table here
     bool ok = true;
     for (const QString &step : script.split('|')) {
-        const QString op = step.section(' ', 0, 0), arg = step.section(' ', 1);
-        ok = true;
+        const QString arg = step.section(' ', 1);
         const QStringList a = arg.split(' ');
         auto n = [&](int i) { return a.value(i).toInt(); };
         auto cell = [&](int i) { return model.index(n(i), n(i + 1)); };
-        bool isInt = false;
-        const int number = a.value(2).toInt(&isInt);
-        const QVariant value = isInt ? QVariant(number) : QVariant(a.value(2));
-        const QJsonDocument json = QJsonDocument::fromJson(arg.toUtf8());
+        const QJsonObject object = QJsonDocument::fromJson(arg.toUtf8()).object();
         QList<QStringList> lists;
         for (const QString &list : arg.split('/', Qt::SkipEmptyParts))
             lists << list.split(',');
-        if (op == "edit" || op == "display")
-            ok = model.setData(cell(0), value, op == "edit" ? Qt::EditRole : Qt::DisplayRole);
-        else if (op == "foreign")
-            ok = model.setData(foreign.index(n(0), n(1)), value);
-        else if (op == "insert" || op == "remove")
-            ok = op == "insert" ? model.insertRows(n(0), n(1)) : model.removeRows(n(0), n(1));
-        else if (op == "copy")
-            ok = model.copy(cell(0), cell(2));
-        else if (op == "submit")
-            ok = model.submit();
-        else if (op == "rows")
-            ok = model.rowCount() == n(0);
-        else if (op == "json")
-            ok = model.insertFromJsonString(arg);
-        else if (op == "array")
-            ok = model.insertFromJsonArray(json.array());
-        else if (op == "object")
-            ok = model.insertFromJsonObject(json.object());
-        else if (op == "strings")
-            ok = model.insertFromStrings(arg.split(','));
-        else if (op == "list")
-            ok = model.insertFromStringsList(lists);
-        else if (op == "revert")
-            model.revert();
-        else if (op == "clear")
-            model.clear();
-        else
-            model.revertRow(n(0));
+        auto done = [](const std::function<void()> &f) {
+            return [=] {
+                f();
+                return true;
+            };
+        };
+        const QHash<QString, std::function<bool()>> ops {
+            { "edit", [&] { return model.setData(cell(0), a.value(2)); } },
+            { "display", [&] { return model.setData(cell(0), a.value(2), Qt::DisplayRole); } },
+            { "foreign", [&] { return model.setData(foreign.index(n(0), n(1)), a.value(2)); } },
+            { "insert", [&] { return model.insertRows(n(0), n(1)); } },
+            { "remove", [&] { return model.removeRows(n(0), n(1)); } },
+            { "copy", [&] { return model.copy(cell(0), cell(2)); } },
+            { "submit", [&] { return model.submit(); } },
+            { "json", [&] { return model.insertFromJsonString(arg); } },
+            { "object", [&] { return model.insertFromJsonObject(object); } },
+            { "strings", [&] { return model.insertFromStrings(arg.split(',')); } },
+            { "list", [&] { return model.insertFromStringsList(lists); } },
+            { "header", [&] { return model.headerData(n(0), Qt::Horizontal).isValid(); } },
+            { "revert", done([&] { model.revert(); }) },
+            { "revertRow", done([&] { model.revertRow(n(0)); }) },
+            { "clear", done([&] { model.clear(); }) },
+            { "refuse", done([&] { model.refuseInserts = true; }) },
+        };
+        ok = ops.value(step.section(' ', 0, 0))();
     }
     return ok;
 }
 
-// "level message" per record, trailing blanks of the stream dropped.
 QStringList logLines(const zutest::LogCapture &capture)
 {
     QStringList lines;
@@ -145,41 +137,15 @@ class tst_ZuAbstractTableModel : public QObject
     Q_OBJECT
 
 private slots:
-    void headers();
     void roles_data();
     void roles();
     void cellStates_data();
     void cellStates();
     void operations_data();
     void operations();
-    void imports_data();
-    void imports();
     void exports();
     void underModelTester();
 };
-
-void tst_ZuAbstractTableModel::headers()
-{
-    zutest::LogCapture capture;
-    Model model(ZuCore::ModelOption8);
-    QCOMPARE(model.rowCount() + model.columnCount(), 0);
-    QCOMPARE(model.data(QModelIndex(), Model::ModelNameRole), QVariant("ZuAbstractTableModel"));
-    QCOMPARE(model.data(QModelIndex(), Model::ModelOptionsRole), QVariant(8));
-    QVERIFY(!model.data(QModelIndex(), Model::ItemOptionsRole).isValid());
-    QVERIFY(!model.setHeaderData(0, Qt::Horizontal, "a", Qt::DisplayRole));
-    QCOMPARE(model.columnCount(), 0);
-    QVERIFY(
-        model.setHeaderData(0, Qt::Vertical, "a", Qt::EditRole)); // lands in the horizontal header
-    QVERIFY(model.setHeaderData(0, Qt::Horizontal, "first", Qt::EditRole));
-    QCOMPARE(model.columnCount(), 1);
-    QCOMPARE(model.headerData(0, Qt::Horizontal, Qt::ToolTipRole), QVariant("first"));
-    QVERIFY(!model.headerData(0, Qt::Vertical, Qt::DisplayRole).isValid());
-    QVERIFY(!model.headerData(5, Qt::Horizontal, Qt::DisplayRole).isValid());
-    QCOMPARE(logLines(capture), QStringList("4 Header data not set for section 5"));
-    QCOMPARE(model.flags(QModelIndex()), Qt::ItemFlags());
-    QCOMPARE(model.itemInvalidReason(QModelIndex()),
-             "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
-}
 
 void tst_ZuAbstractTableModel::roles_data()
 {
@@ -226,13 +192,8 @@ void tst_ZuAbstractTableModel::cellStates_data()
         = [](const char *name, const char *steps, const QVariantList &cell, const QVariant &after) {
               QTest::newRow(name) << QString(steps) << cell << after;
           };
-    row("fresh", "insert 0 1", { none, none, false }, none);
-    row("loaded", "strings A,b,c", { "A", "A", false }, "A");
     row("edited twice", "strings A,b,c|edit 0 0 B|edit 0 0 C", { "C", "B", true }, "B");
-    row("edited back", "strings A,b,c|edit 0 0 B|edit 0 0 A", { "A", "B", true }, "B");
     row("submitted", "strings A,b,c|edit 0 0 B|submit", { "B", "B", false }, "B");
-    row("fresh, edited once", "insert 0 1|edit 0 0 X|edit 0 1 X|edit 0 2 X", { "X", none, true },
-        none);
     row("fresh, edited twice",
         "insert 0 1|edit 0 0 X|edit 0 1 X|edit 0 2 X|edit 0 0 Y|edit 0 1 Y|edit 0 2 Y",
         { "Y", "X", true }, "X");
@@ -265,40 +226,54 @@ void tst_ZuAbstractTableModel::operations_data()
     QTest::addColumn<bool>("ok");
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QStringList>("log");
-    auto row = [](const char *name, const char *steps, bool ok, const char *expected,
+    auto row = [](const QString &name, const QString &steps, bool ok, const QString &expected,
                   const QStringList &log = {}) {
-        QTest::newRow(name) << QString(steps) << ok << QString(expected) << log;
+        QTest::newRow(qPrintable(name)) << steps << ok << expected << log;
     };
+    const QString missing = "3 " + name + "\"%1\" Col name not found in model.";
     row("setData", "edit 1 2 z", true, "changed 1,2-1,2 [2] /0|end /1");
     row("insertRows", "insert 1 2", true, "+insert 1-2 /0|inserted 1-2 /0|end /1");
     row("removeRows", "remove 0 2", true, "-remove 0-1 /0|removed 0-1 /0|end /1");
     row("copy", "copy 0 2 1 0", true, "changed 1,0-1,2 [] /0|end /0");
     row("submit clean", "submit", true, "submitted 0 /0|end /0");
     row("submit dirty", "edit 0 0 q|submit", true, "changed 0,0-0,0 [2] /0|submitted 1 /1|end /0");
-    row("revert edited and new", "edit 0 1 7|insert 2 1|revert|rows 2", true,
+    row("revert edited and new", "edit 0 1 7|insert 2 1|revert", true,
         "changed 0,1-0,1 [2] /0|+insert 2-2 /1|inserted 2-2 /1|-remove 2-2 /1|removed 2-2 /1|"
         "changed 0,0-0,2 [] /1|end /0");
-    row("revertRow, submitted new row", R"(object {"a":"n"}|submit|revertRow 2|rows 2)", true,
+    // Imports: one notification for any number of rows, the rows before the fill.
+    row("json text, clears dirty",
+        R"(edit 0 0 q|json [{"a":1,"b":2,"c":3},{"a":"x","b":"y","c":null}])", true,
+        "changed 0,0-0,0 [2] /0|+insert 2-3 /1|inserted 2-3 /1|changed 2,0-3,2 [] /1|end /0");
+    row("strings list, dirty", "list 1,2,3/4,5,6", true,
+        "+insert 2-3 /0|inserted 2-3 /0|changed 2,0-3,2 [] /1|end /1");
+    row("object, no fill; revertRow of a submitted new row",
+        R"(object {"a":"n","zz":0}|submit|revertRow 2)", true,
         "+insert 2-2 /0|inserted 2-2 /0|submitted 1 /1|-remove 2-2 /0|removed 2-2 /0|end /1",
-        { "3 " + name + "\"b\" Col name not found in model.",
-          "3 " + name + "\"c\" Col name not found in model." });
-    row("clear", "clear|rows 0", true, "-remove 0-1 /0|removed 0-1 /0|end /1");
-    row("removed rows stay gone", "remove 0 1|revert|rows 1", true,
-        "-remove 0-0 /0|removed 0-0 /0|end /0");
+        { missing.arg("b"), missing.arg("c") });
+    row("clear", "clear", true, "-remove 0-1 /0|removed 0-1 /0|end /1");
     // Refusals: nothing emitted, nothing changed.
     row("setData display role", "display 0 0 z", false, "end /0");
-    row("setData invalid index", "edit 0 5 z", false, "end /0");
     row("setData row outside", "foreign 5 0 z", false, "end /0", { "4 Invalid Row " + name + "5" });
-    row("setData column outside", "foreign 0 7 z", false, "end /0",
-        { "4 Invalid Column " + name + "7" });
     row("setData same value", "edit 0 0 A", false, "end /0");
-    row("setData equal, other type", "edit 0 1 1", false, "end /0");
+    row("header outside", "header 3", false, "end /0", { "4 Header data not set for section 3" });
     row("insertRows past the end", "insert 3 1", false, "end /0");
-    row("insertRows none", "insert 0 0", false, "end /0");
     row("removeRows too many", "remove 0 3", false, "end /0");
-    row("removeRows none", "remove 0 0", false, "end /0");
-    row("copy invalid index", "copy 0 0 0 9", false, "end /0");
     row("revertRow -1, 2, unedited 0", "revertRow -1|revertRow 2|revertRow 0", true, "end /0");
+    QJsonParseError e; // Qt's parser judges the text; the texts built from its verdict are ours
+    QJsonDocument::fromJson("not json", &e);
+    row("parse error", "json not json", false,
+        QString("error Insert Error [%1]: %2 /0|end /0").arg(e.error).arg(e.errorString()),
+        { QString("4 %1%2 \"%3\"").arg(name).arg(e.error).arg(e.errorString()) });
+    const QString notArray = "JSON Document is not an array.";
+    row("json object text", R"(json {"a":[1]})", false,
+        "error Insert Error: " + notArray + " /0|end /0", { "4 " + name + notArray });
+    row("empty text", "json", false, "end /0");
+    row("insert refused", "refuse|json [{}]", false, "end /0",
+        { "4 " + name + "Unable to insert rows." });
+    row("strings, wrong count", "strings 1,2", false, "end /0",
+        { "4 " + name + "\"Mismatched counts: Items Count = 2  columnCount=3\"" });
+    row("list, second wrong", "list 1,2,3/4/5,6,7", false, "end /0",
+        { "4 " + name + "\"Mismatched counts at index:1 Items Count = 1  columnCount=3\"" });
 }
 
 void tst_ZuAbstractTableModel::operations()
@@ -309,106 +284,14 @@ void tst_ZuAbstractTableModel::operations()
     QFETCH(QStringList, log);
     Table model;
     QVERIFY(model.insertFromJsonString(fixture));
-    const QString before = model.toJsonString();
+    QCOMPARE(model.toJsonString(), fixture);
     zutest::LogCapture capture;
     bool result = false;
     QCOMPARE(recordSignals(model, [&] { result = run(model, steps); }).join('|'), expected);
     QCOMPARE(result, ok);
-    if (expected == "end /0")
-        QCOMPARE(model.toJsonString(), before);
+    if (!ok)
+        QCOMPARE(model.toJsonString(), fixture);
     QCOMPARE(logLines(capture), log);
-}
-
-void tst_ZuAbstractTableModel::imports_data()
-{
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<int>("added"); // -1: refused, the table stays as it was
-    QTest::addColumn<int>("changes");
-    QTest::addColumn<bool>("dirty");
-    QTest::addColumn<QStringList>("log");
-    QTest::addColumn<QStringList>("error"); // title, text
-    QTest::addColumn<bool>("refuseInserts");
-    auto row = [](const QString &name, const QString &steps, int added, int changes, bool dirty,
-                  const QStringList &log = {}, const QStringList &error = {}, bool refuse = false) {
-        QTest::newRow(qPrintable(name))
-            << steps << added << changes << dirty << log << error << refuse;
-    };
-    auto fail = [&](const QString &name, const QString &steps, const QStringList &log = {},
-                    const QStringList &error = {},
-                    bool refuse = false) { row(name, steps, -1, 0, true, log, error, refuse); };
-    const QString missing = "3 " + name + "\"%1\" Col name not found in model.";
-    row("json text", R"(json [{"a":1,"b":2,"c":3},{"a":"x","b":"y","c":null}])", 2, 1, false);
-    row("json array", R"(array [{"a":1,"b":2,"c":3}])", 1, 1, false);
-    row("non-objects", "json [7]", 1, 1, false,
-        { missing.arg("a"), missing.arg("b"), missing.arg("c") });
-    row("json object", R"(object {"a":"x","c":1,"zz":0})", 1, 0, true, { missing.arg("b") });
-    row("strings list", "list 1,2,3/4,5,6", 2, 1, true);
-    row("strings", "strings 1,2,3", 1, 1, true);
-
-    const QString deep = QString(5000, '[') + QString(5000, ']');
-    for (const QString &json :
-         QStringList { "not json", "[{\"a\":1}", "[1,]", "\"text\"", "[{\"a\":1e400}]", deep }) {
-        QJsonParseError e;
-        QJsonDocument::fromJson(json.toUtf8(), &e);
-        fail("parse error " + json.left(10), "json " + json,
-             { QString("4 %1%2 \"%3\"").arg(name).arg(e.error).arg(e.errorString()) },
-             { QString("Insert Error [%1]").arg(e.error), e.errorString() });
-    }
-    const QString notArray = "JSON Document is not an array.";
-    fail("json object text", R"(json {"a":[1]})", { "4 " + name + notArray },
-         { "Insert Error", notArray });
-    fail("empty text", "json");
-    fail("empty array", "json  [ ] ");
-    fail("empty list", "list");
-    const QStringList refused { "4 " + name + "Unable to insert rows." };
-    fail("array refused", "json [{}]", refused, {}, true);
-    fail("object refused", "object {}", refused, {}, true);
-    fail("strings refused", "strings 1,2,3", refused, {}, true);
-    fail("list refused", "list 1,2,3", refused, {}, true);
-    fail("strings, wrong count", "strings 1,2",
-         { "4 " + name + "\"Mismatched counts: Items Count = 2  columnCount=3\"" });
-    fail("list, second wrong", "list 1,2,3/4/5,6,7",
-         { "4 " + name + "\"Mismatched counts at index:1 Items Count = 1  columnCount=3\"" });
-}
-
-void tst_ZuAbstractTableModel::imports()
-{
-    QFETCH(QString, steps);
-    QFETCH(int, added);
-    QFETCH(int, changes);
-    QFETCH(bool, dirty);
-    QFETCH(QStringList, log);
-    QFETCH(QStringList, error);
-    QFETCH(bool, refuseInserts);
-    Table model;
-    QVERIFY(model.insertFromStrings({ "p", "q", "r" })); // sets the dirty flag
-    model.refuseInserts = refuseInserts;
-    QSignalSpy inserted(&model, &Model::rowsInserted), changed(&model, &Model::dataChanged),
-        errors(&model, &Model::error);
-    bool freshWhenInserted = false;
-    connect(&model, &Model::rowsInserted, this, [&](const QModelIndex &, int, int last) {
-        freshWhenInserted = !model.index(last, 0).data().isValid();
-    });
-    zutest::LogCapture capture;
-    QCOMPARE(run(model, steps), added > 0);
-    QCOMPARE(logLines(capture), log);
-    QCOMPARE(errors.count(), error.isEmpty() ? 0 : 1);
-    if (!error.isEmpty())
-        QCOMPARE(errors.first(), QVariantList({ error.at(0), error.at(1) }));
-    QCOMPARE(model.isDirty(), dirty);
-    QCOMPARE(changed.count(), changes);
-    QCOMPARE(inserted.count(), added > 0 ? 1 : 0); // one notification for any number of rows
-    QCOMPARE(model.rowCount(), 1 + qMax(added, 0));
-    QCOMPARE(model.toStrings(0), QStringList({ "p", "q", "r" }));
-    if (added < 0)
-        return;
-    QVERIFY(freshWhenInserted); // the rows reach views before the fill
-    if (changes)
-        QCOMPARE(changed.first(),
-                 QVariantList({ model.index(1, 0), model.index(added, 2),
-                                QVariant::fromValue(QVector<int>()) }));
-    for (int c = 0; c < 3; ++c)
-        QVERIFY(!model.isDirty(model.index(added, c)));
 }
 
 void tst_ZuAbstractTableModel::exports()
@@ -450,20 +333,14 @@ void tst_ZuAbstractTableModel::underModelTester()
     // answer-for-every-role rule breaks none of its checks.
     Table model;
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    QVERIFY(model.insertRows(0, 3));
-    QVERIFY(model.setData(model.index(1, 1), "x"));
-    QVERIFY(model.insertFromJsonString(fixture));
-    QVERIFY(model.insertFromJsonObject({ { "a", "o" } }));
-    QVERIFY(model.insertFromStringsList({ { "1", "2", "3" }, { "4", "5", "6" } }));
-    QVERIFY(model.insertRows(2, 2));
-    QVERIFY(model.copy(model.index(4, 0), model.index(0, 0)));
-    QVERIFY(model.submit());
-    QVERIFY(model.setData(model.index(5, 2), "y"));
-    model.revertRow(5);
-    model.revert();
-    QVERIFY(model.removeRows(1, 2));
-    model.clear();
+    const QString steps = "insert 0 3|edit 1 1 x|json " + fixture
+        + "|list 1,2,3/4,5,6|copy 4 0 0 0|submit|edit 5 2 y|revertRow 5|revert|remove 1 2|clear";
+    for (const QString &step : steps.split('|'))
+        QVERIFY2(run(model, step), qPrintable(step));
     QCOMPARE(model.rowCount(), 0);
+    QCOMPARE(model.data(QModelIndex(), Model::ModelNameRole), QVariant("ZuAbstractTableModel"));
+    QCOMPARE(model.itemInvalidReason(QModelIndex()),
+             "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
 }
 
 ZU_TEST_MAIN(tst_ZuAbstractTableModel)
