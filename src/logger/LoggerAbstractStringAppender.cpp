@@ -178,6 +178,33 @@ void padField(QString &result, int start, int fieldWidth)
     }
 }
 
+// The clean-up of a signature costs more than the rest of a record's format walk, and a
+// thread tends to log from the same function many times in a row. Each thread keeps the last
+// signature it cleaned, compared by its text (a caller may reuse one buffer for other texts).
+QString cleanFunctionName(const char *function)
+{
+    struct LastName
+    {
+        QByteArray signature;
+        QString name;
+        bool valid = false;
+    };
+    thread_local LastName last;
+    if (!function)
+        function = "";
+    const size_t length = std::strlen(function);
+    if (last.valid && size_t(last.signature.size()) == length
+        && std::memcmp(last.signature.constData(), function, length) == 0)
+        return last.name;
+    const QByteArray name = LoggerAbstractStringAppender::qCleanupFuncinfo(function);
+    // Like stripFunctionName, up to the first zero byte.
+    last.name
+        = QString::fromLatin1(name.constData(), int(qstrnlen(name.constData(), uint(name.size()))));
+    last.signature = QByteArray(function, int(length));
+    last.valid = true;
+    return last.name;
+}
+
 } // namespace
 
 LoggerAbstractStringAppender::LoggerAbstractStringAppender()
@@ -297,10 +324,7 @@ QString LoggerAbstractStringAppender::formattedString(const QDateTime &timeStamp
             if (function)
                 result.append(QLatin1String(function));
         } else if (ZU_IS_COMMAND("function")) {
-            // stripFunctionName without its temporary string.
-            const QByteArray name = qCleanupFuncinfo(function);
-            result.append(QLatin1String(name.constData(),
-                                        int(qstrnlen(name.constData(), uint(name.size())))));
+            result.append(cleanFunctionName(function));
         } else if (ZU_IS_COMMAND("message")) {
             result.append(message);
         } else if (ZU_IS_COMMAND("category")) {

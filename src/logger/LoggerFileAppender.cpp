@@ -2,6 +2,8 @@
 
 #include <zucore/LoggerFileAppender.h>
 
+#include <QTextCodec>
+
 #include <cstdio>
 
 LoggerFileAppender::LoggerFileAppender(const QString &fileName)
@@ -70,7 +72,12 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
     ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
     if (!openFile())
         return;
-    m_logStream << formattedString(timeStamp, logLevel, file, line, function, category, message);
-    m_logStream.flush();
+    const QString text
+        = formattedString(timeStamp, logLevel, file, line, function, category, message);
+    // The stream's codec decides the bytes; encoding the whole line here and handing it to the
+    // file skips the stream's own buffer, a copy and a conversion loop per record. UTF-8, the
+    // usual case, takes QString's vectorised encoder.
+    QTextCodec *const codec = m_logStream.codec();
+    m_logFile.write(codec->mibEnum() == 106 ? text.toUtf8() : codec->fromUnicode(text));
     m_logFile.flush();
 }

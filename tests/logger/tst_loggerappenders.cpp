@@ -161,6 +161,15 @@ void tst_LoggerAppenders::cleanupFuncinfo()
     QCOMPARE(result, expected);
     QCOMPARE(result.isNull(), expected.isNull());
     QCOMPARE(LoggerAbstractStringAppender::stripFunctionName(name), QString::fromLatin1(expected));
+
+    // The format walk remembers the last name it cleaned; one buffer reused by every row must
+    // still give each row its own name.
+    static char reused[128];
+    qstrncpy(reused, name ? name : "", sizeof reused);
+    PatternAppender appender;
+    appender.setFormat(QStringLiteral("%{function}"));
+    QCOMPARE(appender.formattedString(stamp, Logger::Info, path, 1, reused, QString(), QString()),
+             QString::fromLatin1(expected));
 }
 
 void tst_LoggerAppenders::detailsLevel_data()
