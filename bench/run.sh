@@ -2,6 +2,7 @@
 # Builds the benchmarks in Release and prints one row per operation: our time,
 # the peer's time, and their ratio (ours / peer; lower is better).
 #   bench/run.sh [--csv] [google-benchmark flags...]
+# With --benchmark_repetitions=N each row shows the median of the N runs.
 # Memory rows ("*_memory_*") compare peak bytes instead of nanoseconds.
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
@@ -42,6 +43,8 @@ function field(line) { sub(/^[^:]*: */, "", line); sub(/,$/, "", line); gsub(/"/
   n = split(name, parts, "/")
   while (n > 1 && (parts[n] ~ /:/ || parts[n] ~ /^(real|manual|process)_time$/)) n--
   side = parts[n]
+  # With --benchmark_repetitions the median stands for the side; other aggregates are dropped.
+  if (side ~ /_median$/) sub(/_median$/, "", side)
   op = parts[1]; for (k = 2; k < n; k++) op = op "/" parts[k]
   if (side != "ours" && side != "peer") next
   v = (bytes != "") ? bytes : ns(t, unit)
