@@ -39,12 +39,13 @@ function field(line) { sub(/^[^:]*: */, "", line); sub(/,$/, "", line); gsub(/"/
 /^      "time_unit":/ { unit = field($0); next }
 /^      "bytes":/ { bytes = field($0) + 0; next }
 /^    \}/ {
+  # With --benchmark_repetitions the median stands for the run; other aggregates are dropped.
+  if (name ~ /_(mean|stddev|cv)$/) next
+  sub(/_median$/, "", name)
   # Drop the suffixes that Google Benchmark adds (iterations:1, real_time, ...).
   n = split(name, parts, "/")
   while (n > 1 && (parts[n] ~ /:/ || parts[n] ~ /^(real|manual|process)_time$/)) n--
   side = parts[n]
-  # With --benchmark_repetitions the median stands for the side; other aggregates are dropped.
-  if (side ~ /_median$/) sub(/_median$/, "", side)
   op = parts[1]; for (k = 2; k < n; k++) op = op "/" parts[k]
   if (side != "ours" && side != "peer") next
   v = (bytes != "") ? bytes : ns(t, unit)
