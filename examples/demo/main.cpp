@@ -71,7 +71,7 @@ int runHeadless(CustomerModel &model)
     model.submit();
     printCell(model, 0, city);
 
-    out() << "a negative balance is kept but flagged invalid:" << Qt::endl;
+    out() << "a negative balance is kept but flagged invalid, then reverted:" << Qt::endl;
     model.setData(model.index(1, CustomerModel::Balance), -5);
     const QModelIndex balance = model.index(1, CustomerModel::Balance);
     out() << "  row 1 valid: "
