@@ -161,6 +161,13 @@ inline void skipSharedPrefix(const ushort *&pa, const ushort *ea, const ushort *
 
 int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ushort *eb)
 {
+    // Names of one folder often differ in their first character already.
+    if (pa < ea && pb < eb && *pa != *pb && !isDigit(*pa) && !isDigit(*pb)) {
+        const uint ka = keyOf(*pa).primary;
+        const uint kb = keyOf(*pb).primary;
+        if (ka != kb)
+            return ka < kb ? -1 : 1;
+    }
     skipSharedPrefix(pa, ea, pb, eb);
     int tie = 0;
     while (pa < ea && pb < eb) {
