@@ -187,21 +187,15 @@ QString cleanFunctionName(const char *function)
     {
         QByteArray signature;
         QString name;
-        bool valid = false;
     };
+    // Starts as the empty signature, whose clean name is empty.
     thread_local LastName last;
     if (!function)
         function = "";
-    const size_t length = std::strlen(function);
-    if (last.valid && size_t(last.signature.size()) == length
-        && std::memcmp(last.signature.constData(), function, length) == 0)
-        return last.name;
-    const QByteArray name = LoggerAbstractStringAppender::qCleanupFuncinfo(function);
-    // Like stripFunctionName, up to the first zero byte.
-    last.name
-        = QString::fromLatin1(name.constData(), int(qstrnlen(name.constData(), uint(name.size()))));
-    last.signature = QByteArray(function, int(length));
-    last.valid = true;
+    if (last.signature != function) {
+        last.name = LoggerAbstractStringAppender::stripFunctionName(function);
+        last.signature = function;
+    }
     return last.name;
 }
 
