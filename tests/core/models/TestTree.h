@@ -45,6 +45,8 @@ public:
             return this->data(index, Qt::EditRole).toString().startsWith("note") ? "a note" : "";
         if (role == ZuAbstractTableModel::ItemOptionsRole && itemOptions >= 0)
             return itemOptions;
+        if (role == Qt::UserRole + 1) // the selection role of the proxies
+            return "selected " + this->data(index, Qt::EditRole).toString();
         return Base::data(index, role);
     }
     int itemOptions = -1; // answered for ItemOptionsRole unless negative
@@ -83,6 +85,16 @@ private:
 
 using TestTree = TestTreeOf<ZuTreeModel>;
 using TestRowEditTree = TestTreeOf<ZuTreeRowEditModel>;
+
+// "0/1" is row 1 under top-level row 0; "-" is the root (the invalid index).
+inline QModelIndex at(const QAbstractItemModel &model, const QString &path, int column = 0)
+{
+    QModelIndex index;
+    const QStringList rows = path.split('/');
+    for (int i = 0; path != "-" && i < rows.size(); ++i)
+        index = model.index(rows.at(i).toInt(), i + 1 < rows.size() ? 0 : column, index);
+    return index;
+}
 
 // The tree under @p parent of any model in the shape's form.
 inline QString dump(const QAbstractItemModel &model, const QModelIndex &parent = QModelIndex())

@@ -17,16 +17,6 @@ namespace {
 
 const QString shape = "A=1(a1=11(a1x=111,a1y=112),a2=12),B=2(b1=21(b1x=211)),C=3";
 
-// "0/1" is row 1 under top-level row 0; "-" is the root (the invalid index).
-QModelIndex at(const QAbstractItemModel &model, const QString &path, int column = 0)
-{
-    QModelIndex index;
-    const QStringList rows = path.split('/');
-    for (int i = 0; path != "-" && i < rows.size(); ++i)
-        index = model.index(rows.at(i).toInt(), i + 1 < rows.size() ? 0 : column, index);
-    return index;
-}
-
 QVariant value(const QString &text)
 {
     if (text == "null")
