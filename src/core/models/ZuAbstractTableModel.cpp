@@ -12,7 +12,7 @@ using Row = QList<Cell>;
 
 const int ItemHintAnswer = 13;
 
-// JSON has one number type: Qt 5.15 keeps integral numbers as qlonglong, but a
+// JSON has one number type: Qt's parser keeps integral numbers as qlonglong, but a
 // loaded table holds every number as a double, as JSON gives it.
 QVariant jsonToVariant(const QJsonValue &value)
 {
