@@ -1,12 +1,10 @@
-#include "platform/NaturalCompare.h"
+#include "ZuProxyShared_p.h"
 
 #include <zucore/Logger.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QFont>
-#include <QHash>
 #include <QMap>
-#include <QRegularExpression>
 
 namespace {
 
@@ -22,26 +20,9 @@ public:
         : q(proxy)
     { }
 
-    // The compiled form of a pattern, made once and shared by every cell and
-    // row of the filter passes that use it.
-    const QRegularExpression &compiled(const QString &pattern)
-    {
-        auto it = compiledPatterns.constFind(pattern);
-        if (it == compiledPatterns.cend())
-            it = compiledPatterns.insert(
-                pattern, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption));
-        return *it;
-    }
-
     bool matches(const QString &pattern, const QModelIndex &cell)
     {
-        const QRegularExpression &expression = compiled(pattern);
-        // An expression that doesn't compile matches nothing; asking QString
-        // would also warn once per cell.
-        if (!expression.isValid())
-            return false;
-        const QString text = cell.model()->data(cell, Qt::DisplayRole).toString();
-        return text.indexOf(expression, 0) != -1;
+        return patterns.matches(pattern, cell.model()->data(cell, Qt::DisplayRole).toString());
     }
 
     int selectionRoleColumn = 1;
@@ -56,17 +37,8 @@ public:
     QList<int> sortColumns;
     ZuSortFilterProxyModel *q;
 
-    QHash<QString, QRegularExpression> compiledPatterns;
+    ZuProxyShared::PatternCache patterns;
 };
-
-namespace {
-
-QString displayText(const QAbstractItemModel *model, const QModelIndex &index)
-{
-    return index.isValid() ? model->data(index, Qt::DisplayRole).toString() : QString();
-}
-
-} // namespace
 
 ZuSortFilterProxyModel::ZuSortFilterProxyModel(QObject *parent)
     : QSortFilterProxyModel(parent)
@@ -192,7 +164,7 @@ void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
                 d->searchStrings.insert(column, text);
         }
     }
-    d->compiledPatterns.clear();
+    d->patterns.clear();
     invalidateFilter();
     emit dataChanged(QModelIndex(), QModelIndex());
 }
@@ -216,7 +188,7 @@ void ZuSortFilterProxyModel::addFilterFixedString(int column, const QString &tex
         return;
     *it = text;
     // Patterns no longer in use would only pile up.
-    d->compiledPatterns.clear();
+    d->patterns.clear();
 }
 
 QModelIndex ZuSortFilterProxyModel::matchValue(const QVariant &value, int column, int role) const
@@ -421,17 +393,7 @@ bool ZuSortFilterProxyModel::lessThan(const QModelIndex &left, const QModelIndex
     const QAbstractItemModel *source = sourceModel();
     if (!source)
         return false;
-    if (d->sortColumns.isEmpty())
-        return ZuPlatform::naturalCompare(displayText(source, left), displayText(source, right))
-            == -1;
-    for (const int column : qAsConst(d->sortColumns)) {
-        const int order = ZuPlatform::naturalCompare(
-            displayText(source, source->index(left.row(), column, QModelIndex())),
-            displayText(source, source->index(right.row(), column, QModelIndex())));
-        if (order == -1)
-            return true;
-        if (order != 0)
-            return false;
-    }
-    return false;
+    // The source is flat: every sort column's cells lie under the invalid index.
+    return ZuProxyShared::naturalLessThan(source, left, right, d->sortColumns, QModelIndex(),
+                                          QModelIndex());
 }
