@@ -1,9 +1,12 @@
-// The demo of zucore's table model: rows loaded from JSON, edits that can be
+// The demo of zucore's models: a table loaded from JSON whose edits can be
 // submitted or reverted, shown sorted by two columns and searched through a
-// sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field, and Submit and Revert in its menu and tool bar.
+// sort/filter proxy; a tree with staged edits, searched through the tree proxy;
+// the distinct values of a column and a read-only view. Headless it prints each
+// step; with --gui it opens a window for the table and one for the tree.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
+#include "TaskTreeModel.h"
+#include "TreeWindow.h"
 
 #include <zucore/ZuSortFilterProxyModel.h>
 
@@ -107,9 +110,13 @@ int main(int argc, char *argv[])
     if (!model.insertFromJsonString(QString::fromUtf8(customers)))
         return 1;
     if (!app.arguments().contains(QStringLiteral("--gui")))
-        return runHeadless(model);
+        return runHeadless(model) | runTreeHeadless(out(), model);
 
     DemoWindow window(&model);
     window.show();
+    TaskTreeModel tasks;
+    tasks.refresh();
+    TreeWindow treeWindow(&tasks, &model);
+    treeWindow.show();
     return app.exec();
 }
