@@ -95,27 +95,19 @@ QStringList recordSignals(TestTree &model, const std::function<void()> &action)
     QObject::connect(
         &model, &QAbstractItemModel::rowsMoved, &context,
         [=](const QModelIndex &from, int first, int last, const QModelIndex &to, int row) {
-            note(QString("moved %1 %2-%3 %4 %5")
-                     .arg(path(from))
-                     .arg(first)
-                     .arg(last)
-                     .arg(path(to))
-                     .arg(row));
+            note(QString::asprintf("moved %s %d-%d %s %d", qPrintable(path(from)), first, last,
+                                   qPrintable(path(to)), row));
         });
-    QObject::connect(
-        &model, &QAbstractItemModel::dataChanged, &context,
-        [=](const QModelIndex &tl, const QModelIndex &br, const QVector<int> &roles) {
-            note(QString("changed %1 %2-%3%4")
-                     .arg(path(tl))
-                     .arg(tl.column())
-                     .arg(br.column())
-                     .arg(roles.isEmpty() && tl.parent() == br.parent() && tl.row() == br.row()
-                              ? ""
-                              : " ?"));
-        });
-    QObject::connect(
-        &model, &QAbstractItemModel::headerDataChanged, &context,
-        [=](Qt::Orientation, int first, int) { note(QString("header %1").arg(first)); });
+    // Always one row under one parent, with no roles; " ?" marks anything else.
+    QObject::connect(&model, &QAbstractItemModel::dataChanged, &context,
+                     [=](const QModelIndex &tl, const QModelIndex &br, const QVector<int> &roles) {
+                         const bool row = roles.isEmpty() && tl.parent() == br.parent()
+                             && tl.row() == br.row();
+                         note(QString::asprintf("changed %s %d-%d%s", qPrintable(path(tl)),
+                                                tl.column(), br.column(), row ? "" : " ?"));
+                     });
+    QObject::connect(&model, &QAbstractItemModel::headerDataChanged, &context,
+                     [=](Qt::Orientation, int first) { note(QString("header %1").arg(first)); });
     QObject::connect(&model, &QAbstractItemModel::modelReset, &context, [=] { note("reset"); });
     QObject::connect(&model, &ZuTreeModel::dataSubmitted, &context,
                      [=](bool was) { note(QString("submitted %1").arg(was)); });
