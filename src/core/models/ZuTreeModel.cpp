@@ -214,6 +214,8 @@ bool ZuTreeModel::insertRows(int position, int rows, const QModelIndex &parent)
     if (position < 0 || rows < 0 || !rootItem || (parent.isValid() && !ownIndex(parent)))
         return false;
     ZuTreeItem *parentItem = getItem(parent);
+    if (rows == 0) // nothing to tell a view about
+        return parentItem->insertChildren(position, rows, rootItem->columnCount());
     beginInsertRows(parent, position, position + rows - 1);
     const bool ok = parentItem->insertChildren(position, rows, rootItem->columnCount());
     endInsertRows();
@@ -270,6 +272,8 @@ bool ZuTreeModel::insertColumns(int position, int columns, const QModelIndex &pa
 {
     if (position < 0 || columns < 0 || !rootItem || (parent.isValid() && !ownIndex(parent)))
         return false;
+    if (columns == 0)
+        return rootItem->insertColumns(position, columns);
     beginInsertColumns(parent, position, position + columns - 1);
     const bool ok = rootItem->insertColumns(position, columns);
     endInsertColumns();
@@ -280,6 +284,8 @@ bool ZuTreeModel::removeColumns(int position, int columns, const QModelIndex &pa
 {
     if (position < 0 || columns < 0 || !rootItem || (parent.isValid() && !ownIndex(parent)))
         return false;
+    if (columns == 0)
+        return rootItem->removeColumns(position, columns);
     beginRemoveColumns(parent, position, position + columns - 1);
     const bool ok = rootItem->removeColumns(position, columns);
     endRemoveColumns();

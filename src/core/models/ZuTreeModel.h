@@ -54,7 +54,9 @@
  *   refused (false, no notification) as the parent of a row or column change;
  * - a negative count or position in insertRows(), removeRows(),
  *   insertColumns() and removeColumns() is refused (false) before any
- *   notification: Qt's notifications can't express it;
+ *   notification: Qt's notifications can't express it; a count of 0 sends
+ *   no notification either (insertRows() and the column changes then answer
+ *   as the tree does, removeRows() true);
  * - moveRows() also refuses, before any notification, a range past the last
  *   child, a destination row out of range, and a destination inside a moved
  *   subtree;

@@ -298,6 +298,7 @@ void tst_ZuTreeModel::operations_data()
     row("remove everything", "remove - 0 3", true, "-", "removed - 0-2 /0");
     row("remove out of range: notified, refused", "remove 0 1 5", false, "", "removed 0 1-5 /0");
     row("insert out of range: notified, refused", "insert 0 7 1", false, "", "inserted 0 7-7 /0");
+    row("insert no rows", "insert 0 1 0", true, "", "");
     row("clear", "clear", true, "-", "removed - 0-2 /0");
     row("header", "header 1 Value|header 1 Value", false, "", "header 1 /0");
     row("last column removed takes the rows", "removeColumns 0 2", true, "-",
