@@ -79,6 +79,7 @@ TreeWindow::TreeWindow(TaskTreeModel *tasks, CustomerModel *customers, QWidget *
     auto *tree = new QTreeView(this);
     tree->setModel(keep);
     tree->expandAll();
+    tree->setColumnWidth(TaskTreeModel::Task, 180);
 
     // A parent stays visible while anything below it matches.
     auto *searchText = new QLineEdit(this);
