@@ -32,7 +32,10 @@ class ZuSortFilterTreeProxyModelPrivate;
  * one of its searched cells matches, or with the inverted search when none
  * does. So an inverted search keeps a matching row that has a non-matching
  * descendant. A text that is not a valid expression matches no cell. The
- * pattern is compiled once per search text.
+ * pattern is compiled once per search text. With a search active, an edit
+ * that makes a row under a hidden row pass doesn't bring the hidden row back,
+ * as the base class re-filters the edited row alone: call invalidate() after
+ * such an edit.
  *
  * setSearchString() emits dataChanged() with two invalid indexes, which tells
  * a view to repaint everything; it does so only when the text or the flag
