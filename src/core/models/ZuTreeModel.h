@@ -46,6 +46,8 @@
  * out of range) still sends its pair of begin/end notifications before the
  * false result, and insertRows()/removeRows() still mark the model dirty, so
  * check ranges before asking. moveRows() refuses before any notification.
+ * refresh() of a model with rows removes them through clear() inside its
+ * model reset, so their removal is notified within the reset.
  *
  * The model takes no locks and belongs to the thread of its views.
  *
