@@ -8,8 +8,12 @@
 #include <QAbstractItemModel>
 #include <QHash>
 #include <QList>
+#include <QMetaMethod>
 #include <QRegularExpression>
+#include <QSortFilterProxyModel>
 #include <QString>
+
+#include <algorithm>
 
 namespace ZuProxyShared {
 
@@ -42,6 +46,54 @@ inline bool naturalLessThan(const QAbstractItemModel *source, const QModelIndex 
             return false;
     }
     return false;
+}
+
+/**
+ * Puts the rows of a source change in place again when the change covers a
+ * sort column of @p sortColumns other than @p proxy's sortColumn(). The base
+ * class re-places a changed row only when the change covers the column last
+ * given to sort(), while the order depends on every sort column. The change is
+ * handed to the base class's own handling once more, widened to that column,
+ * so that it re-places those rows as for its sort column (one row costs a
+ * binary search, not a sort). Should that handling ever be missing, the whole
+ * order is rebuilt instead. Connect it to the source's dataChanged() after the
+ * base class's own connection.
+ */
+inline void placeEditedRows(QSortFilterProxyModel *proxy, const QList<int> &sortColumns,
+                            const QModelIndex &topLeft, const QModelIndex &bottomRight)
+{
+    const int sortColumn = proxy->sortColumn();
+    if (!proxy->dynamicSortFilter() || sortColumn < 0 || sortColumns.isEmpty() || !topLeft.isValid()
+        || !bottomRight.isValid())
+        return;
+    if (topLeft.column() <= sortColumn && sortColumn <= bottomRight.column())
+        return; // placed already
+    const bool touchesOrder = std::any_of(sortColumns.cbegin(), sortColumns.cend(), [&](int c) {
+        return topLeft.column() <= c && c <= bottomRight.column();
+    });
+    if (!touchesOrder)
+        return;
+
+    static const QMetaMethod baseHandler = [] {
+        const QMetaObject &base = QSortFilterProxyModel::staticMetaObject;
+        for (int i = base.methodOffset(); i < base.methodCount(); ++i) {
+            if (base.method(i).name() == "_q_sourceDataChanged"
+                && base.method(i).parameterCount() == 3)
+                return base.method(i);
+        }
+        return QMetaMethod();
+    }();
+    const QAbstractItemModel *source = topLeft.model();
+    const QModelIndex first
+        = source->index(topLeft.row(), qMin(topLeft.column(), sortColumn), topLeft.parent());
+    const QModelIndex last = source->index(
+        bottomRight.row(), qMax(bottomRight.column(), sortColumn), bottomRight.parent());
+    const QVector<int> allRoles;
+    if (!baseHandler.isValid() || !first.isValid() || !last.isValid()
+        || !baseHandler.invoke(
+            proxy, Qt::DirectConnection, Q_ARG(QModelIndex, first), Q_ARG(QModelIndex, last),
+            QGenericArgument(baseHandler.parameterTypes().at(2).constData(), &allRoles)))
+        proxy->invalidate();
 }
 
 /**

@@ -25,6 +25,9 @@ public:
     QList<int> sortColumns;
 
     ZuProxyShared::PatternCache patterns;
+    // The sort columns changed since the last sort(): the same sort() must still re-sort.
+    bool sortColumnsChanged = false;
+    QMetaObject::Connection sourceDataChanged;
 };
 
 ZuSortFilterTreeProxyModel::ZuSortFilterTreeProxyModel(QObject *parent)
@@ -37,9 +40,34 @@ ZuSortFilterTreeProxyModel::ZuSortFilterTreeProxyModel(QObject *parent)
 
 ZuSortFilterTreeProxyModel::~ZuSortFilterTreeProxyModel() = default;
 
+void ZuSortFilterTreeProxyModel::setSourceModel(QAbstractItemModel *source)
+{
+    QObject::disconnect(d->sourceDataChanged);
+    QSortFilterProxyModel::setSourceModel(source);
+    // Connected after the base class, so that its own handling of a change comes first.
+    if (source)
+        d->sourceDataChanged = connect(
+            source, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
+                ZuProxyShared::placeEditedRows(this, d->sortColumns, topLeft, bottomRight);
+            });
+}
+
+void ZuSortFilterTreeProxyModel::sort(int column, Qt::SortOrder order)
+{
+    // The base class ignores a sort by the column and order it already has, but the sort
+    // columns may have changed since.
+    const bool same = column == sortColumn() && order == sortOrder();
+    QSortFilterProxyModel::sort(column, order);
+    if (same && column >= 0 && d->sortColumnsChanged && dynamicSortFilter())
+        invalidate();
+    d->sortColumnsChanged = false;
+}
+
 void ZuSortFilterTreeProxyModel::setSortColumns(const QList<int> &columns)
 {
     d->sortColumns = columns;
+    d->sortColumnsChanged = true;
 }
 
 QList<int> ZuSortFilterTreeProxyModel::sortColumns() const
@@ -50,16 +78,19 @@ QList<int> ZuSortFilterTreeProxyModel::sortColumns() const
 void ZuSortFilterTreeProxyModel::addSortColumn(int column)
 {
     d->sortColumns.append(column);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterTreeProxyModel::addSortColumns(const QList<int> &columns)
 {
     d->sortColumns.append(columns);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterTreeProxyModel::clearSortColumns()
 {
     d->sortColumns.clear();
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterTreeProxyModel::setSearchColumns(const QList<int> &columns)

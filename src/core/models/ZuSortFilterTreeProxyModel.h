@@ -23,7 +23,10 @@ class ZuSortFilterTreeProxyModelPrivate;
  * regard to case) over sortColumns(), most significant first, each cell taken
  * under its own row's parent; with no sort columns it compares the two cells
  * it is given. Rows that tie on every sort column are not less than each
- * other. sortRole() and sortCaseSensitivity() play no part.
+ * other. sortRole() and sortCaseSensitivity() play no part. A change of the
+ * sort columns takes effect at the next sort(), also one by the column and
+ * order already in use; with the dynamic sort filter (on by default) an edit
+ * of any sort column puts its row in place again.
  *
  * Searching. setSearchString() sets one case-insensitive regular expression,
  * matched anywhere in the display text of the searched columns
@@ -55,6 +58,19 @@ public:
     /// Turns on the dynamic sort filter and case-insensitive sorting.
     explicit ZuSortFilterTreeProxyModel(QObject *parent = nullptr);
     ~ZuSortFilterTreeProxyModel() override;
+
+    /**
+     * Sets the source as QSortFilterProxyModel does, and follows its edits of
+     * every sort column (see the class description).
+     */
+    void setSourceModel(QAbstractItemModel *source) override;
+    /**
+     * Sorts by @p column in @p order as QSortFilterProxyModel does; with sort
+     * columns set, @p column only switches sorting on (-1: source order).
+     * Unlike the base class it also re-sorts when the column and order are
+     * unchanged but the sort columns changed.
+     */
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     /// Replaces the sort columns, most significant first. Takes effect at the next sort.
     void setSortColumns(const QList<int> &columns);

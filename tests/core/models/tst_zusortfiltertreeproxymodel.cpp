@@ -156,6 +156,12 @@ void tst_ZuSortFilterTreeProxyModel::sorting()
     proxy.setSortColumns({ 9, 1 }); // a column beyond the last ties, the next decides
     proxy.sort(0);
     QCOMPARE(dump(proxy, proxy.index(1, 0)), QString("b=1=w,a2=1=z,a10=2=x,A2=2=y"));
+    proxy.setSortColumns({ 1, 0 }); // the same sort() as before still re-sorts
+    proxy.sort(0);
+    QCOMPARE(dump(proxy, proxy.index(0, 0)), QString("a2=1=z,b=1=w,A2=2=y,a10=2=x"));
+    // An edit of the second sort column, not the one given to sort(), re-places its row.
+    QVERIFY(proxy.tree.setData(tree.index(0, 1, tree.index(0, 0)), "0"));
+    QCOMPARE(dump(proxy, proxy.index(0, 0)), QString("a10=0*=x,a2=1=z,b=1=w,A2=2=y"));
     // "A2" and "a2" tie in both directions, on the name as on the sort columns.
     const QModelIndex upper = tree.index(1, 0, tree.index(0, 0)),
                       lower = tree.index(2, 0, tree.index(0, 0));
