@@ -126,7 +126,16 @@ void ZuAbstractDataObject::fromStringList(const QStringList &strings)
                         .arg(count)
                         .arg(strings.size())
                         .arg(objectName()));
-        LOG_DEBUG() << strings;
+        // Written out by hand: QDebug's own form of a list differs between Qt builds.
+        QString list;
+        {
+            QDebug debug(&list);
+            debug.nospace() << '(';
+            for (int i = 0; i < strings.size(); ++i)
+                debug << (i ? ", " : "") << strings.at(i);
+            debug << ')';
+        }
+        LOG_DEBUG(list);
     }
     const int n = qMin(count, strings.size());
     for (int i = 0; i < n; ++i)
