@@ -14,7 +14,7 @@
 #include <QVariant>
 
 /**
- * @class OldZuAbstractTableModel <zucore/OldZuAbstractTableModel.h>
+ * @class OldZuAbstractTableModel OldZuAbstractTableModel.h <zucore/OldZuAbstractTableModel.h>
  * @brief The older table base: each row is a pair of data objects, the current
  *        record and a snapshot to revert to.
  *

@@ -11,7 +11,7 @@
 #include <QVariant>
 
 /**
- * @class ZuAbstractDataObject <zucore/ZuAbstractDataObject.h>
+ * @class ZuAbstractDataObject ZuAbstractDataObject.h <zucore/ZuAbstractDataObject.h>
  * @brief One record: an ordered, fixed set of QVariant fields addressed by
  *        position and, through fieldName(), by name.
  *
