@@ -1,13 +1,17 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
 // submitted or reverted, shown sorted by two columns and searched through a
 // sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field and Submit and Revert buttons.
+// table view with a search field and Submit and Revert buttons. Its log goes
+// to demo.log, a new file each day, the last seven kept.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
+#include <zucore/Logger.h>
+#include <zucore/LoggerRollingFileAppender.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QTextStream>
 
 namespace {
@@ -44,6 +48,19 @@ void printRows(const QAbstractItemModel &proxy)
             cells << proxy.index(row, column).data().toString();
         out() << "  " << cells.join(QStringLiteral(" | ")) << Qt::endl;
     }
+}
+
+// The first record after midnight renames demo.log to demo.log.yyyy-MM-dd, the day it covers.
+void startLogging()
+{
+    auto *file = new LoggerRollingFileAppender(QStringLiteral("demo.log"));
+    file->setFormat(
+        QStringLiteral("%{time}{yyyy-MM-ddTHH:mm:ss.zzz} [%{type:-7}] <%{function}> %{message}\n"));
+    file->setDatePattern(LoggerRollingFileAppender::DailyRollover);
+    file->setLogFilesLimit(7); // today's file and six dated ones
+    cuteLoggerInstance()->registerAppender(file);
+    LOG_INFO().noquote() << "demo started; log file"
+                         << QFileInfo(file->fileName()).absoluteFilePath();
 }
 
 int runHeadless(CustomerModel &model)
@@ -98,6 +115,7 @@ int runHeadless(CustomerModel &model)
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    startLogging();
     CustomerModel model;
     if (!model.insertFromJsonString(QString::fromUtf8(customers)))
         return 1;
