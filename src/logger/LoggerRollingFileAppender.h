@@ -48,8 +48,11 @@
 class ZUCORE_EXPORT LoggerRollingFileAppender : public LoggerFileAppender
 {
 public:
-    /// The periods, each with its fixed suffix pattern (see the class description).
-    enum DatePattern {
+    /**
+     * The periods, each with its fixed suffix pattern (see the class description). Based on
+     * int, so that any int value is a DatePattern; one outside the list means no period.
+     */
+    enum DatePattern : int {
         MinutelyRollover = 0,
         HourlyRollover,
         HalfDailyRollover,
