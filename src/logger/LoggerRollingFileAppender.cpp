@@ -152,8 +152,10 @@ void LoggerRollingFileAppender::rollOver()
     if (m_rollOverSuffix == endedSuffix)
         return;
 
-    closeFile();
     const QString logName = fileName();
+    if (logName.isEmpty())
+        return; // the appender writes nothing; the bare suffix would name some other file
+    closeFile();
     const QString target = logName + endedSuffix;
     if (QFile::exists(target) && !QFile::remove(target))
         return;

@@ -106,9 +106,10 @@ public:
     /**
      * Ends the current period: renames the log file to its name followed by the suffix of the
      * period that ended, opens a fresh file and removes old files. Renames nothing if the new
-     * period has the same suffix. An existing target is replaced; if it cannot be removed, or
-     * the rename fails, the file keeps its name silently. Called by append() under the write
-     * mutex; call it from elsewhere only while no record is being written.
+     * period has the same suffix, or if the appender has no file name. An existing target is
+     * replaced; if it cannot be removed, or the rename fails, the file keeps its name silently.
+     * Called by append() under the write mutex; call it from elsewhere only while no record is
+     * being written.
      */
     void rollOver();
     /**

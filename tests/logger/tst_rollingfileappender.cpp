@@ -21,7 +21,8 @@ struct ClockedAppender : R
 QStringList folder(const QString &logName)
 {
     QStringList entries;
-    for (const QFileInfo &entry : QDir().entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot)) {
+    for (const QFileInfo &entry :
+         QDir().entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
         QFile file(entry.fileName());
         const QString suffix = entry.fileName().mid(logName.size());
         entries << (entry.isDir() || !file.open(QIODevice::ReadOnly)
@@ -85,6 +86,7 @@ private slots:
     void rolling();
     void frequency_data();
     void frequency();
+    void emptyNameTouchesNothing();
 };
 
 void tst_RollingFileAppender::rolling_data()
@@ -151,6 +153,24 @@ void tst_RollingFileAppender::frequency()
     appender.setDatePattern(pattern);
     QCOMPARE(appender.datePatternString(), pattern);
     QCOMPARE(int(appender.datePattern()), frequency);
+}
+
+// Without a name nothing is written, and a file named like the bare suffix is not replaced.
+void tst_RollingFileAppender::emptyNameTouchesNothing()
+{
+    QTemporaryDir dir;
+    QVERIFY(zutest::enterTemporaryDir(dir));
+    QFile other(QStringLiteral(".2024-03-02"));
+    QVERIFY(other.open(QIODevice::WriteOnly) && other.write("other\n") == 6);
+    other.close();
+    zutest::StderrCapture err; // the empty name is reported once
+    ClockedAppender appender { QString() };
+    appender.now = QDateTime(QDate(2024, 3, 2), QTime(10, 0));
+    appender.setDatePattern(R::DailyRollover);
+    appender.now = appender.now.addDays(1);
+    appender.write(appender.now, Logger::Info, "f.cpp", 1, "void f()", QString(), "r0");
+    err.take();
+    QCOMPARE(folder(QString()), QStringList { ".2024-03-02=other" });
 }
 
 ZU_TEST_MAIN(tst_RollingFileAppender)
