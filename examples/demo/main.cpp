@@ -1,8 +1,8 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
 // submitted or reverted, shown sorted by two columns and searched through a
 // sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field and Submit and Revert buttons. Its log goes
-// to demo.log, a new file each day, the last seven kept.
+// table view with a search field, and Submit and Revert in its menu and tool bar.
+// Its log goes to demo.log, a new file each day, the last seven kept.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
@@ -12,6 +12,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QImage>
 #include <QTextStream>
 
 namespace {
@@ -107,6 +108,10 @@ int runHeadless(CustomerModel &model)
     printRows(proxy);
 
     out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
+    // Loading the library registered its icons: no Q_INIT_RESOURCE here.
+    const QImage icon(QStringLiteral(":/images/submit"));
+    out() << "the library's icon :/images/submit is " << icon.width() << " x " << icon.height()
+          << Qt::endl;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
 }
 
