@@ -224,8 +224,20 @@ QByteArray SimpleCrypt::decryptToByteArray(QByteArray cypher)
     uchar block[HashSize];
     unscramble(block, stream, blockSize, key, 1);
     const qsizetype payloadStart = 1 + blockSize;
-    QByteArray data(int(streamSize - payloadStart), Qt::Uninitialized);
-    unscramble(reinterpret_cast<uchar *>(data.data()), stream, data.size(), key, payloadStart);
+    const qsizetype payloadSize = streamSize - payloadStart;
+    QByteArray data;
+    if (cypher.isDetached()) {
+        // Nobody else holds the cipher text (a temporary, say): the payload is written over it
+        // from its front. Output byte j needs stream bytes from j + 2 on, so nothing is
+        // overwritten before it is read, and a large buffer isn't allocated and faulted in again.
+        uchar *front = reinterpret_cast<uchar *>(cypher.data());
+        unscramble(front, front + HeaderSize, payloadSize, key, payloadStart);
+        cypher.resize(int(payloadSize));
+        data = std::move(cypher);
+    } else {
+        data = QByteArray(int(payloadSize), Qt::Uninitialized);
+        unscramble(reinterpret_cast<uchar *>(data.data()), stream, payloadSize, key, payloadStart);
+    }
 
     bool intact = true;
     if (flags & CryptoFlagChecksum)
