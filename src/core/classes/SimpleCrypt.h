@@ -42,15 +42,16 @@
 class ZUCORE_EXPORT SimpleCrypt
 {
 public:
-    /// How encryption compresses; reading goes by the flags of the cipher text alone.
-    enum CompressionMode {
+    /// How encryption compresses; reading goes by the flags of the cipher text alone. Based on
+    /// int, so that any other value is a valid one (and acts as CompressionNever).
+    enum CompressionMode : int {
         CompressionAuto = 0, ///< compress, and keep the result only if it is shorter
         CompressionAlways = 1, ///< always compress and set the flag
         CompressionNever = 2 ///< never compress; so does every value other than 0 and 1
     };
 
-    /// Which integrity block encryption adds.
-    enum IntegrityProtectionMode {
+    /// Which integrity block encryption adds. Any other value acts as ProtectionNone.
+    enum IntegrityProtectionMode : int {
         ProtectionNone = 0, ///< no block; so does every value other than 1 and 2
         ProtectionChecksum = 1, ///< Qt's CRC-16 of the payload
         ProtectionHash = 2 ///< the SHA-1 hash of the payload
@@ -74,11 +75,14 @@ public:
     Q_DECLARE_FLAGS(CryptoFlags, CryptoFlag)
 
     /// @name The built-in key
-    /// The key of SimpleCrypt(), 0x9E3779B97F4A7C15, built at run time from these two words.
-    /// These values must never change: texts scrambled with the built-in key by one build must
-    /// be readable by every later one.
+    /// The key of SimpleCrypt() is 0x9E3779B97F4A7C15, built at run time from these two words.
+    /// They must never change: texts scrambled with the built-in key by one build must stay
+    /// readable by every later one.
     /// @{
+
+    /// The low 32 bits of the built-in key. Never to be changed.
     static constexpr quint32 DefaultKeyLow = 0x7F4A7C15u;
+    /// The high 32 bits of the built-in key. Never to be changed.
     static constexpr quint32 DefaultKeyHigh = 0x9E3779B9u;
     /// @}
 
@@ -98,22 +102,26 @@ public:
     void splitKey();
 
     /// @name Encryption
-    /// Strings are taken as UTF-8; the string results are the cipher text in Base64.
-    /// Sets ErrorNoError on success.
-    /// @return a null result with ErrorNoKeySet (and a warning) when no key parts are set.
+    /// Each sets ErrorNoError on success and returns a null result, with ErrorNoKeySet and the
+    /// warning "No key set.", when no key parts are set.
     /// @{
+
+    /// Scrambles @p plaintext into a cipher text. @return the cipher text, or a null array.
     QByteArray encryptToByteArray(QByteArray plaintext);
+    /// Scrambles the UTF-8 form of @p plaintext. @return the cipher text, or a null array.
     QByteArray encryptToByteArray(const QString &plaintext);
+    /// Scrambles @p plaintext. @return the cipher text in Base64, or a null string.
     QString encryptToString(QByteArray plaintext);
+    /// Scrambles the UTF-8 form of @p plaintext. @return the cipher text in Base64, or a null
+    /// string.
     QString encryptToString(const QString &plaintext);
     /// @}
 
     /**
      * @name Decryption
-     * Strings are read as Latin-1 Base64; the string results read the plain bytes as UTF-8. A
+     * Reading goes by the flags of the cipher text alone, whatever the modes of this object. A
      * compressed payload that qUncompress() rejects gives an empty result with ErrorNoError (Qt
-     * warns by itself).
-     * @return a null result:
+     * warns by itself). Each fails with a null result:
      * - with ErrorNoKeySet and the warning "No key set." when no key parts are set;
      * - with lastError() untouched when the cipher text has fewer than 3 bytes;
      * - with ErrorUnknownVersion and the warning "Invalid version or not a cyphertext." when
@@ -122,14 +130,23 @@ public:
      *   missing or doesn't match.
      */
     /// @{
+
+    /// Restores the plain bytes of @p cypher. @return the plain bytes, or a null array.
     QByteArray decryptToByteArray(QByteArray cypher);
+    /// Restores the plain bytes of @p cyphertext, read as Latin-1 Base64. @return the plain
+    /// bytes, or a null array.
     QByteArray decryptToByteArray(const QString &cyphertext);
+    /// Restores @p cypher and reads the plain bytes as UTF-8. @return the text, or a null
+    /// string.
     QString decryptToString(QByteArray cypher);
+    /// Restores @p cyphertext (Latin-1 Base64) and reads the plain bytes as UTF-8.
+    /// @return the text, or a null string.
     QString decryptToString(const QString &cyphertext);
     /// @}
 
     /// @name Modes and state
     /// @{
+
     /// Sets how the next encryptions compress.
     void setCompressionMode(CompressionMode mode) { m_compressionMode = mode; }
     /// How encryption compresses; CompressionAuto at first.

@@ -50,19 +50,19 @@ public:
      */
     struct wavheader_t
     {
-        uchar chunkId[4];
-        uchar chunkSize[4];
-        uchar format[4];
-        uchar formatId[4];
-        uchar formatSize[4];
-        uchar audioFormat[2];
-        uchar numChannels[2];
-        uchar sampleRate[4];
-        uchar byteRate[4];
-        uchar blockAlign[2];
-        uchar bitsPerSample[2];
-        uchar dataId[4];
-        uchar dataSize[4];
+        uchar chunkId[4]; ///< "RIFF"
+        uchar chunkSize[4]; ///< size of the rest of the file
+        uchar format[4]; ///< "WAVE"
+        uchar formatId[4]; ///< "fmt "
+        uchar formatSize[4]; ///< 16 for PCM
+        uchar audioFormat[2]; ///< 1 for PCM
+        uchar numChannels[2]; ///< channels
+        uchar sampleRate[4]; ///< samples per second
+        uchar byteRate[4]; ///< bytes per second
+        uchar blockAlign[2]; ///< bytes per sample frame
+        uchar bitsPerSample[2]; ///< bits per sample
+        uchar dataId[4]; ///< "data"
+        uchar dataSize[4]; ///< bytes of audio data
     };
 
     /// The size of wavheader_t and the offset of the audio data.
@@ -73,21 +73,35 @@ public:
     ~Wav() override;
 
     /// @name Header fields
-    /// The four-byte tags as four Latin-1 characters (zero bytes included), and the decoded
-    /// little-endian integers. All read zero while no header is held.
+    /// Tags come as four Latin-1 characters, zero bytes included; integers are decoded from
+    /// little-endian. All read zero while no header is held.
     /// @{
+
+    /// Bytes 0-3, "RIFF" in a canonical file.
     QString chunkId() const;
+    /// Bytes 4-7: the size of the rest of the file.
     quint32 chunkSize() const;
+    /// Bytes 8-11, "WAVE".
     QString format() const;
+    /// Bytes 12-15, "fmt ".
     QString formatId() const;
+    /// Bytes 16-19: the size of the format chunk, 16 for PCM.
     quint32 formatSize() const;
+    /// Bytes 20-21: 1 for PCM.
     quint16 audioFormat() const;
+    /// Bytes 22-23: the number of channels.
     quint16 numChannels() const;
+    /// Bytes 24-27: samples per second.
     quint32 sampleRate() const;
+    /// Bytes 28-31: bytes per second.
     quint32 byteRate() const;
+    /// Bytes 32-33: bytes per sample frame.
     quint16 blockAlign() const;
+    /// Bytes 34-35: bits per sample.
     quint16 bitsPerSample() const;
+    /// Bytes 36-39, "data".
     QString dataId() const;
+    /// Bytes 40-43: the bytes of audio data the header announces.
     quint32 dataSize() const;
     /// @}
 
