@@ -8,8 +8,8 @@ class QTableView;
 class ZuSortFilterProxyModel;
 
 // A table view over the customers, sorted by city and then name, with a
-// search field, Submit and Revert buttons and a line that tells whether there
-// is something to submit.
+// search field, Submit and Revert in a menu and a tool bar (with the library's
+// icons) and a line that tells whether there is something to submit.
 class DemoWindow : public QWidget
 {
     Q_OBJECT

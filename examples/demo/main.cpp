@@ -1,8 +1,9 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
 // submitted or reverted, shown sorted by two columns and searched through a
 // sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field and Submit and Revert buttons. The headless run
-// ends with a WAV file written and read back, and the table's JSON scrambled and restored.
+// table view with a search field, and Submit and Revert in its menu and tool bar.
+// The headless run ends with a WAV file written and read back, and the table's
+// JSON scrambled and restored.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
@@ -11,6 +12,7 @@
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
+#include <QImage>
 #include <QTextStream>
 #include <QtEndian>
 
@@ -134,6 +136,10 @@ int runHeadless(CustomerModel &model)
     printRows(proxy);
 
     out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
+    // Loading the library registered its icons: no Q_INIT_RESOURCE here.
+    const QImage icon(QStringLiteral(":/images/submit"));
+    out() << "the library's icon :/images/submit is " << icon.width() << " x " << icon.height()
+          << Qt::endl;
     if (!showCodecs(model.toJsonString()))
         return 1;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
