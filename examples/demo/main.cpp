@@ -3,17 +3,24 @@
 // sort/filter proxy. Headless it prints each step; with --gui it opens a
 // table view with a search field, and Submit and Revert in its menu and tool bar.
 // Its log goes to demo.log, a new file each day, the last seven kept.
+// The headless run ends with a WAV file written and read back, and the table's
+// JSON scrambled and restored.
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerRollingFileAppender.h>
+#include <zucore/SimpleCrypt.h>
+#include <zucore/Wav.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QImage>
 #include <QTextStream>
+#include <QtEndian>
+
+#include <cstring>
 
 namespace {
 
@@ -64,6 +71,44 @@ void startLogging()
                          << QFileInfo(file->fileName()).absoluteFilePath();
 }
 
+// A tenth of a second of 8 kHz mono silence written by Wav, read back and summed up; then the
+// table's JSON scrambled and restored by SimpleCrypt.
+bool showCodecs(const QString &json)
+{
+    Wav::wavheader_t header {};
+    const auto tag = [](uchar *field, const char *text) { std::memcpy(field, text, 4); };
+    tag(header.chunkId, "RIFF");
+    tag(header.format, "WAVE");
+    tag(header.formatId, "fmt ");
+    tag(header.dataId, "data");
+    qToLittleEndian<quint32>(36 + 1600, header.chunkSize);
+    qToLittleEndian<quint32>(16, header.formatSize);
+    qToLittleEndian<quint16>(1, header.audioFormat);
+    qToLittleEndian<quint16>(1, header.numChannels);
+    qToLittleEndian<quint32>(8000, header.sampleRate);
+    qToLittleEndian<quint32>(16000, header.byteRate);
+    qToLittleEndian<quint16>(2, header.blockAlign);
+    qToLittleEndian<quint16>(16, header.bitsPerSample);
+    qToLittleEndian<quint32>(1600, header.dataSize);
+    Wav written;
+    written.setWavHeader(header);
+    written.setAudioData(QByteArray(1600, '\0'));
+    Wav read;
+    if (!written.saveFile(QStringLiteral("demo.wav")) || !read.readFile(QStringLiteral("demo.wav")))
+        return false;
+    out() << "demo.wav, as Wav::formatString shows it:" << Qt::endl;
+    out() << "  " << read.formatString().replace(QLatin1String("<br>"), QLatin1String("\n  "))
+          << Qt::endl;
+
+    SimpleCrypt crypt(0x1F2E3D4C5B6A7988ull);
+    const QString scrambled = crypt.encryptToString(json);
+    const QString restored = crypt.decryptToString(scrambled);
+    out() << "the JSON scrambled by SimpleCrypt (obfuscation, not encryption): " << scrambled
+          << Qt::endl;
+    out() << "  and restored: " << (restored == json ? "equal" : "different") << Qt::endl;
+    return restored == json;
+}
+
 int runHeadless(CustomerModel &model)
 {
     QObject::connect(&model, &CustomerModel::dataSubmitted, [](bool wasDirty) {
@@ -112,6 +157,8 @@ int runHeadless(CustomerModel &model)
     const QImage icon(QStringLiteral(":/images/submit"));
     out() << "the library's icon :/images/submit is " << icon.width() << " x " << icon.height()
           << Qt::endl;
+    if (!showCodecs(model.toJsonString()))
+        return 1;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
 }
 
