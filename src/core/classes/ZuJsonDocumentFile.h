@@ -9,9 +9,10 @@
 class QLockFile;
 
 /**
- * @class ZuJsonDocumentFile <zucore/ZuJsonDocumentFile.h>
  * @brief The New, Open, Save, Save As and Revert behaviour of a desktop document whose file is
  * one JSON document, with its dialogs, its messages and an optional advisory lock file.
+ *
+ * @code #include <zucore/ZuJsonDocumentFile.h> @endcode
  *
  * The class knows nothing of the application's data. Derive from it, implement toJsonDocument()
  * and fromJsonDocument(), give your document type its name and extension in the constructor
@@ -84,6 +85,7 @@ public:
 
     /// @name Lock file
     /// @{
+
     /// Switches lock files on or off for this document. A lock already held stays held.
     void setUseLockFile(bool use);
     /**
