@@ -2,9 +2,9 @@
 // Binary JSON: part of QJsonDocument in Qt 5, of Qt5Compat's QBinaryJson later.
 // Both write the same "qbjs" image, so a file saved by one build reads in the other.
 
-#include <QtGlobal>
 #include <QByteArray>
 #include <QJsonDocument>
+#include <QtGlobal>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 #include <QBinaryJson>

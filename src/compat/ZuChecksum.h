@@ -1,8 +1,8 @@
 #pragma once
 // qChecksum takes (pointer, length) in Qt 5 and a byte view in Qt 6.
 
-#include <QtGlobal>
 #include <QByteArray>
+#include <QtGlobal>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 #include <QByteArrayView>

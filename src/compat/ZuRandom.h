@@ -5,6 +5,7 @@
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 #include <QRandomGenerator>
+
 #include <cstdlib>
 #endif
 

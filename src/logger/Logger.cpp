@@ -341,10 +341,6 @@ QDebug CuteMessageLogger::write()
     return QDebug(&m_message);
 }
 
-// QTime as a stopwatch is part of this class's interface; its calls are deprecated in Qt 5.15.
-QT_WARNING_PUSH
-QT_WARNING_DISABLE_DEPRECATED
-
 LoggerTimingHelper::~LoggerTimingHelper()
 {
     QString message;
@@ -354,7 +350,7 @@ LoggerTimingHelper::~LoggerTimingHelper()
     else
         message = QStringLiteral("\"%1\" finished in ").arg(m_block);
 
-    const int elapsed = m_timer.elapsed();
+    const int elapsed = int(m_timer.elapsed());
     if (elapsed >= 10000 && m_timingMode == Logger::TimingAuto)
         message.append(QStringLiteral("%1 s.").arg(elapsed / 1000));
     else
@@ -380,9 +376,7 @@ void LoggerTimingHelper::start(const char *msg, ...)
 {
     va_list va;
     va_start(va, msg);
-    m_block = QString().vsprintf(msg, va);
+    m_block = QString::vasprintf(msg, va);
     va_end(va);
     m_timer.start();
 }
-
-QT_WARNING_POP

@@ -4,8 +4,8 @@
 
 #include <QDateTime>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QString>
-#include <QTime>
 
 class LoggerAbstractAppender;
 struct LoggerPrivate;
@@ -202,7 +202,7 @@ public:
 
 private:
     Logger *m_logger;
-    QTime m_timer;
+    QElapsedTimer m_timer; // a monotonic clock: no wrap at midnight, no jump with the wall clock
     Logger::LogLevel m_logLevel;
     Logger::TimingMode m_timingMode;
     const char *m_file;

@@ -1,8 +1,7 @@
+#include "compat/ZuTextCodec.h"
 #include "logger/LoggerLocks_p.h"
 
 #include <zucore/LoggerFileAppender.h>
-
-#include <QTextCodec>
 
 #include <cstdio>
 
@@ -74,10 +73,8 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
         return;
     const QString text
         = formattedString(timeStamp, logLevel, file, line, function, category, message);
-    // The stream's codec decides the bytes; encoding the whole line here and handing it to the
-    // file skips the stream's own buffer, a copy and a conversion loop per record. UTF-8, the
-    // usual case, takes QString's vectorised encoder.
-    QTextCodec *const codec = m_logStream.codec();
-    m_logFile.write(codec->mibEnum() == 106 ? text.toUtf8() : codec->fromUnicode(text));
+    // The stream's encoding decides the bytes; encoding the whole line here and handing it to
+    // the file skips the stream's own buffer, a copy and a conversion loop per record.
+    m_logFile.write(ZuCompat::encodeAsStream(m_logStream, text));
     m_logFile.flush();
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zucore/zucore_export.h>
-
 #include <QString>
 
 namespace ZuPlatform {
@@ -14,6 +12,6 @@ namespace ZuPlatform {
  * built in and a file manager answers; otherwise opens the file's folder with QDesktopServices.
  * Failures are not reported.
  */
-ZUCORE_EXPORT void showFileInFileManager(const QString &fileName);
+void showFileInFileManager(const QString &fileName);
 
 } // namespace ZuPlatform

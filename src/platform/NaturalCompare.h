@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zucore/zucore_export.h>
-
 #include <QString>
 
 namespace ZuPlatform {
@@ -43,6 +41,6 @@ namespace ZuPlatform {
  * @return -1 if @p a sorts before @p b, 1 if after, 0 if they are equal but
  *         for case. There is no failure result: any two strings compare.
  */
-ZUCORE_EXPORT int naturalCompare(const QString &a, const QString &b);
+int naturalCompare(const QString &a, const QString &b);
 
 } // namespace ZuPlatform

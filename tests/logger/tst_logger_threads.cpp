@@ -10,7 +10,7 @@
 // Hand-overs in libraries not built for ThreadSanitizer (tzset, QReadWriteLock, Qt Test).
 extern "C" const char *__tsan_default_suppressions()
 {
-    return "race:tzset_internal\nrace:QWaitCondition\nrace:libQt5Test.so\n";
+    return "race:tzset_internal\nrace:QWaitCondition\nrace:libQt*Test.so\n";
 }
 #endif
 

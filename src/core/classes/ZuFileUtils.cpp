@@ -1,3 +1,4 @@
+#include "compat/ZuTextCodec.h"
 #include "platform/FileManager.h"
 
 #include <zucore/Logger.h>
@@ -10,7 +11,6 @@
 #include <QGuiApplication>
 #include <QLocale>
 #include <QMessageBox>
-#include <QRegExp>
 #include <QSaveFile>
 #include <QTextStream>
 #include <QUrl>
@@ -27,8 +27,9 @@ namespace {
 // The position of a " Rev ..." mark in `name`, or -1.
 int revisionPosition(const QString &name)
 {
-    const QRegExp revision(QStringLiteral(" Rev .*"), Qt::CaseSensitive);
-    return revision.indexIn(name, 0);
+    // The mark is " Rev .*" in QRegExp's syntax, where '.' takes any character, line breaks
+    // included: it starts at the first " Rev " and runs to the end.
+    return name.indexOf(QLatin1String(" Rev "), 0, Qt::CaseSensitive);
 }
 
 bool isGuiApplication()
@@ -219,10 +220,11 @@ QString strippedFileNameWithoutRevExtension(const QString &fileName)
 
 QDateTime created(const QString &fileName)
 {
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    return QFileInfo(fileName).created();
-    QT_WARNING_POP
+    // The creation time where the file system keeps one, else the time of the last change of
+    // the file's metadata: what QFileInfo::created() answered before birth times were split off.
+    const QFileInfo info(fileName);
+    const QDateTime birth = info.birthTime();
+    return birth.isValid() ? birth : info.metadataChangeTime();
 }
 
 QDateTime lastModified(const QString &fileName)
@@ -303,8 +305,7 @@ bool saveToTextFile(const QString &fileName, const QString &text)
     const SaveResult result
         = save(fileName, QIODevice::WriteOnly | QIODevice::Text, [&text](QSaveFile &file) {
               QTextStream stream(&file);
-              stream.setCodec("UTF-8");
-              stream.setGenerateByteOrderMark(false);
+              ZuCompat::setUtf8(stream);
               stream << text;
               stream.flush();
               return stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError;

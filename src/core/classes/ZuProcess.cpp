@@ -1,3 +1,5 @@
+#include "compat/ZuProcessStart.h"
+
 #include <zucore/Logger.h>
 #include <zucore/ZuProcess.h>
 
@@ -12,10 +14,7 @@ bool ZuProcess::exec(const QString &command)
     connect(this, &QProcess::readyReadStandardError, this, &ZuProcess::readFromStderr);
     LOG_TRACE().noquote() << command;
 
-    QT_WARNING_PUSH
-    QT_WARNING_DISABLE_DEPRECATED
-    start(command, QIODevice::ReadWrite);
-    QT_WARNING_POP
+    ZuCompat::startCommand(*this, command, QIODevice::ReadWrite);
 
     bool result = false;
     if (!waitForStarted(30000)) {

@@ -1,3 +1,5 @@
+#include "compat/ZuVariantCompare.h"
+
 #include <zucore/Logger.h>
 #include <zucore/ZuAbstractTableModel.h>
 
@@ -12,7 +14,7 @@ using Row = QList<Cell>;
 
 const int ItemHintAnswer = 13;
 
-// JSON has one number type: Qt 5.15 keeps integral numbers as qlonglong, but a
+// JSON has one number type: Qt's parser keeps integral numbers as qlonglong, but a
 // loaded table holds every number as a double, as JSON gives it.
 QVariant jsonToVariant(const QJsonValue &value)
 {
@@ -46,7 +48,7 @@ bool ZuAbstractTableModel::isDirty(const QModelIndex &index) const
     if (index.row() >= modelRows.size() || index.column() >= modelRows.at(index.row()).size())
         return false;
     const Cell &cell = modelRows.at(index.row()).at(index.column());
-    return cell.second != cell.first;
+    return !ZuCompat::variantEqual(cell.second, cell.first);
 }
 
 int ZuAbstractTableModel::rowCount(const QModelIndex &parent) const
@@ -136,7 +138,7 @@ bool ZuAbstractTableModel::setData(const QModelIndex &index, const QVariant &val
         LOG_ERROR() << "Invalid Column" << objectName() << column;
         return false;
     }
-    if (value == data(index, Qt::EditRole))
+    if (ZuCompat::variantEqual(value, data(index, Qt::EditRole)))
         return false;
     if (row >= modelRows.size() || column >= modelRows.at(row).size())
         return false;
@@ -269,7 +271,7 @@ void ZuAbstractTableModel::revertRow(int row)
             removeRows(row, 1, QModelIndex());
             return;
         }
-        if (cell.first != cell.second) {
+        if (!ZuCompat::variantEqual(cell.first, cell.second)) {
             Cell &target = modelRows[row][c];
             target.first = target.second;
             changed = true;
