@@ -1,13 +1,17 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
 // submitted or reverted, shown sorted by two columns and searched through a
-// sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field and Submit and Revert buttons.
+// sort/filter proxy, then saved, reverted and opened again as a JSON document
+// with a lock file. Headless it prints each step; with --gui it opens a table
+// view with a search field, Submit and Revert buttons and a File menu.
+#include "CustomerDocument.h"
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QTemporaryDir>
 #include <QTextStream>
 
 namespace {
@@ -46,7 +50,40 @@ void printRows(const QAbstractItemModel &proxy)
     }
 }
 
-int runHeadless(CustomerModel &model)
+const char *yesNo(bool value)
+{
+    return value ? "yes" : "no";
+}
+
+// Saves the table as a document, edits and reverts it, starts a new one and opens the file again.
+// Nothing here raises a box: the document is never modified when it would ask.
+bool runDocument(CustomerModel &model, CustomerDocument &document)
+{
+    QTemporaryDir folder;
+    const QString fileName = folder.filePath(QStringLiteral("customers.json"));
+    const int city = CustomerModel::City;
+    out() << "save the table as a document:" << Qt::endl;
+    const bool saved = document.saveFile(fileName);
+    out() << "  saved " << yesNo(saved) << ", " << QFileInfo(fileName).size()
+          << " bytes; lock file " << QFileInfo(document.lockFileName()).fileName() << " held "
+          << yesNo(QFileInfo::exists(document.lockFileName())) << Qt::endl;
+    model.setData(model.index(0, city), QStringLiteral("Rome"));
+    out() << "  edit the city of row 0 to Rome: document modified " << yesNo(document.isModified())
+          << Qt::endl;
+    document.revert();
+    out() << "  revert the document: city " << model.index(0, city).data().toString()
+          << ", modified " << yesNo(document.isModified()) << Qt::endl;
+    document.newFile();
+    out() << "  new document: " << model.rowCount() << " rows, lock file held "
+          << yesNo(QFileInfo::exists(fileName.chopped(4) + QStringLiteral("lock"))) << Qt::endl;
+    const int opened = document.openFile(fileName);
+    out() << "  open it again: " << model.rowCount() << " rows, city of row 0 "
+          << model.index(0, city).data().toString() << Qt::endl;
+    document.closeFile();
+    return saved && opened == 1 && model.rowCount() == 5;
+}
+
+int runHeadless(CustomerModel &model, CustomerDocument &document)
 {
     QObject::connect(&model, &CustomerModel::dataSubmitted, [](bool wasDirty) {
         out() << "  dataSubmitted(wasDirty = " << (wasDirty ? "true" : "false") << ")" << Qt::endl;
@@ -90,6 +127,8 @@ int runHeadless(CustomerModel &model)
     printRows(proxy);
 
     out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
+    if (!runDocument(model, document))
+        return 1;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
 }
 
@@ -101,10 +140,11 @@ int main(int argc, char *argv[])
     CustomerModel model;
     if (!model.insertFromJsonString(QString::fromUtf8(customers)))
         return 1;
+    CustomerDocument document(&model);
     if (!app.arguments().contains(QStringLiteral("--gui")))
-        return runHeadless(model);
+        return runHeadless(model, document);
 
-    DemoWindow window(&model);
+    DemoWindow window(&model, &document);
     window.show();
     return app.exec();
 }
