@@ -377,7 +377,11 @@ void tst_ZuJsonDocumentFile::scenarios()
     QStringList seen;
     for (const zutest::SeenModal &modal : answerer.seen()) {
         if (modal.kind == zutest::SeenModal::MessageBox) {
+            const bool question = modal.title.endsWith("Changed");
             QCOMPARE(modal.icon, QMessageBox::Warning);
+            QCOMPARE(modal.buttons,
+                     question ? QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel
+                              : QMessageBox::StandardButtons(QMessageBox::Ok));
             seen << modal.title + '|' + modal.text;
         }
     }
