@@ -258,11 +258,11 @@ bool ZuJsonDocumentFile::saveToJsonFile(const QString &fileName, bool binary)
     if (binary) {
         written = ZuFileUtils::saveToBinaryFile(fileName, ZuCompat::toBinaryJson(m_jsonDocument));
     } else {
-        const QByteArray utf8 = m_jsonDocument.toJson();
-        written = ZuFileUtils::saveToTextFile(fileName, QString::fromUtf8(utf8));
+        const QString text = QString::fromUtf8(m_jsonDocument.toJson());
+        written = ZuFileUtils::saveToTextFile(fileName, text);
         // The text save answers true once the file is open, and keeps the old file when the
         // write then fails: a document that thinks itself saved would lose its changes.
-        if (written && !fileHolds(fileName, utf8)) {
+        if (written && !fileHolds(fileName, text.toUtf8())) {
             LOG_ERROR().noquote() << QStringLiteral("Cannot write file %1.").arg(fileName);
             written = false;
         }
