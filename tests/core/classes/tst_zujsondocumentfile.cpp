@@ -48,18 +48,11 @@ public:
 
     QString defaultFileName() const override { return calls << "defaultFileName", proposedName; }
     void closeFile() override { calls << "closeFile", Base::closeFile(); }
-    bool newFile() override { return calls << "newFile", Base::newFile(); }
-    int openFile(const QString &n = QString()) override
-    {
-        return calls << "openFile", Base::openFile(n);
-    }
     bool saveFile(const QString &n = QString()) override
     {
         return calls << "saveFile", Base::saveFile(n);
     }
-    bool saveFileAs() override { return calls << "saveFileAs", Base::saveFileAs(); }
     bool maybeSave() override { return calls << "maybeSave", Base::maybeSave(); }
-    bool revert() override { return calls << "revert", Base::revert(); }
     bool loadFromJsonFile(const QString &n, bool binary, const QString &title) override
     {
         return calls << "loadFromJsonFile", Base::loadFromJsonFile(n, binary, title);
@@ -250,20 +243,20 @@ void tst_ZuJsonDocumentFile::scenarios_data()
     auto row = [](const char *name, const QString &setup, const QString &action,
                   const QStringList &answers, const QString &calls, int result,
                   const QStringList &boxes, const QString &log, const QString &state) {
-        QTest::newRow(name) << setup << action << answers << calls.split(',') << result << boxes
-                            << log << state;
+        QTest::newRow(name) << setup << action << answers << calls.split(',', Qt::SkipEmptyParts)
+                            << result << boxes << log << state;
     };
     // The state table.
-    row("new", "", "newFile", none, "newFile,maybeSave,closeFile,clearData", 1, none, "", "|0");
+    row("new", "", "newFile", none, "maybeSave,closeFile,clearData", 1, none, "", "|0");
     row("new, changed, Discard", "titled,modified", "newFile", { "Discard" },
-        "newFile,maybeSave,closeFile,clearData", 1, { changedBox("a.json") }, "", "|0");
-    row("open", "", "openFile:b.json", none, "openFile,maybeSave,loadFromJsonFile,fromJsonDocument",
-        1, none, "", "b.json|0");
+        "maybeSave,closeFile,clearData", 1, { changedBox("a.json") }, "", "|0");
+    row("open", "", "openFile:b.json", none, "maybeSave,loadFromJsonFile,fromJsonDocument", 1, none,
+        "", "b.json|0");
     row("open with locks", "locks", "openFile:b.json", none,
-        "openFile,maybeSave,lock,loadFromJsonFile,fromJsonDocument", 1, none, "", "b.json|0");
+        "maybeSave,lock,loadFromJsonFile,fromJsonDocument", 1, none, "", "b.json|0");
     row("open, asks to save before the dialog", "modified",
         "openFile:", { "Save", "file:new.json", "file:b.json" },
-        "openFile,maybeSave,defaultFileName," + saveDialog
+        "maybeSave,defaultFileName," + saveDialog
             + ",getOpenFileName,loadFromJsonFile,fromJsonDocument",
         1, { changedBox("The new file") }, "", "b.json|0");
     row("save", "titled,modified", "saveFile:", none, saveCalls, 1, none, "", "a.json|0");
@@ -274,37 +267,37 @@ void tst_ZuJsonDocumentFile::scenarios_data()
     row("save as another document reloads", "titled,modified", "saveFile:c.json", none,
         saveCalls + ",loadFromJsonFile,fromJsonDocument", 1, none, "", "c.json|0");
     row("save as, untitled", "modified", "saveFileAs", { "file:new.json" },
-        "saveFileAs,getSaveFileName,defaultFileName,saveFile,saveToJsonFile,toJsonDocument", 1,
-        none, "", "new.json|0");
-    row("save as, titled", "titled,modified", "saveFileAs", { "file:a Rev 2.json" },
-        "saveFileAs," + saveCalls, 1, none, "", "a Rev 2.json|0");
+        "getSaveFileName,defaultFileName,saveFile,saveToJsonFile,toJsonDocument", 1, none, "",
+        "new.json|0");
+    row("save as, titled", "titled,modified", "saveFileAs", { "file:a Rev 2.json" }, saveCalls, 1,
+        none, "", "a Rev 2.json|0");
     row("maybeSave, clean", "titled", "maybeSave", none, "maybeSave", 1, none, "", "a.json|0");
     row("maybeSave, Discard keeps the flag", "titled,modified", "maybeSave", { "Discard" },
         "maybeSave", 1, { changedBox("a.json") }, "", "a.json|1");
     row("maybeSave, Save", "titled,modified", "maybeSave", { "Save" }, "maybeSave," + saveCalls, 1,
         { changedBox("a.json") }, "", "a.json|0");
-    row("revert", "titled,modified", "revert", none, "revert,fromJsonDocument", 1, none, "",
-        "a.json|0");
-    row("revert, clean", "titled", "revert", none, "revert", 1, none, "", "a.json|0");
+    row("revert", "titled,modified", "revert", none, "fromJsonDocument", 1, none, "", "a.json|0");
+    row("revert, clean", "titled", "revert", none, "", 1, none, "", "a.json|0");
     row("close asks nothing", "titled,modified", "closeFile", none, "closeFile", 1, none, "",
         "a.json|0");
     // The failures.
-    row("new, Cancel", "titled,modified", "newFile", { "Cancel" }, "newFile,maybeSave", 0,
+    row("new, Cancel", "titled,modified", "newFile", { "Cancel" }, "maybeSave", 0,
         { changedBox("a.json") }, "", "a.json|1");
-    row("open missing", "titled", "openFile:missing.json", none, "openFile,maybeSave", 0, none,
+    row("open, Save, missing", "titled,modified", "openFile:missing.json", { "Save" },
+        "maybeSave," + saveCalls, 0, { changedBox("a.json") }, "does not exist!", "a.json|0");
+    row("open missing", "titled", "openFile:missing.json", none, "maybeSave", 0, none,
         "\"missing.json\" does not exist!", "a.json|0");
     row("open, Discard, missing", "titled,modified", "openFile:missing.json", { "Discard" },
-        "openFile,maybeSave", 0, { changedBox("a.json") }, "does not exist!", "a.json|1");
-    row("open unreadable", "titled", "openFile:folder.json", { "Ok" },
-        "openFile,maybeSave,loadFromJsonFile", 0,
-        { "Error Reading File|Cannot read file 'folder.json'.\n" }, "", "a.json|0");
-    row("open empty", "titled", "openFile:empty.json", none, "openFile,maybeSave,loadFromJsonFile",
-        0, none, "", "a.json|0");
+        "maybeSave", 0, { changedBox("a.json") }, "does not exist!", "a.json|1");
+    row("open unreadable", "titled", "openFile:folder.json", { "Ok" }, "maybeSave,loadFromJsonFile",
+        0, { "Error Reading File|Cannot read file 'folder.json'.\n" }, "", "a.json|0");
+    row("open empty", "titled", "openFile:empty.json", none, "maybeSave,loadFromJsonFile", 0, none,
+        "", "a.json|0");
     row("open broken JSON", "titled", "openFile:broken.json", { "Ok" },
-        "openFile,maybeSave,loadFromJsonFile,fromJsonDocument", 0, { refusedBox("broken.json") },
+        "maybeSave,loadFromJsonFile,fromJsonDocument", 0, { refusedBox("broken.json") },
         "Cannot read file broken.json.", "a.json|0");
-    row("open, dialog cancelled", "titled", "openFile:", { "file:" },
-        "openFile,maybeSave,getOpenFileName", 0, none, "", "a.json|0");
+    row("open, dialog cancelled", "titled", "openFile:", { "file:" }, "maybeSave,getOpenFileName",
+        0, none, "", "a.json|0");
     row("save, dialog cancelled", "modified", "saveFile:", { "file:" },
         "saveFile,getSaveFileName,defaultFileName", 0, none, "", "|1");
     row("save over a folder", "titled,modified", "saveFile:folder.json", { "Ok" }, saveCalls, 0,
@@ -317,12 +310,11 @@ void tst_ZuJsonDocumentFile::scenarios_data()
     row("save as another document, reload refused", "titled,modified,refuse", "saveFile:c.json",
         { "Ok" }, saveCalls + ",loadFromJsonFile,fromJsonDocument", 0, { refusedBox("c.json") },
         "Cannot read file c.json.", "a.json|1");
-    row("revert refused", "titled,modified,refuse", "revert", { "Ok" }, "revert,fromJsonDocument",
-        0, { "Reverting JSON File File|Error reverting file a.json." },
-        "Error reverting file a.json.", "a.json|1");
-    row("revert of a document never loaded", "modified", "revert", { "Ok" },
-        "revert,fromJsonDocument", 0, { "Reverting JSON File File|Error reverting file ." }, "",
-        "|1");
+    row("revert refused", "titled,modified,refuse", "revert", { "Ok" }, "fromJsonDocument", 0,
+        { "Reverting JSON File File|Error reverting file a.json." }, "Error reverting file a.json.",
+        "a.json|1");
+    row("revert of a document never loaded", "modified", "revert", { "Ok" }, "fromJsonDocument", 0,
+        { "Reverting JSON File File|Error reverting file ." }, "", "|1");
 }
 
 // Every operation from every state: the order of the virtual calls, the boxes, the log and the
@@ -395,7 +387,8 @@ void tst_ZuJsonDocumentFile::scenarios()
         QVERIFY(doc.nameDuringLoad.endsWith(name.isEmpty() ? "b.json" : name));
     if (!result) {
         QCOMPARE(doc.data, dataBefore);
-        QCOMPARE(contentOf("a.json"), fileBefore);
+        if (!answers.contains("Save"))
+            QCOMPARE(contentOf("a.json"), fileBefore);
     }
 }
 
