@@ -5,16 +5,16 @@
 
 #include <zucore/ZuSortFilterProxyModel.h>
 
+#include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QTableView>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget *parent)
@@ -41,20 +41,23 @@ DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget
     auto *search = new QLineEdit(this);
     search->setPlaceholderText(QStringLiteral("Search"));
     search->setClearButtonEnabled(true);
+    // The library's icons are there as soon as it is loaded: no Q_INIT_RESOURCE.
+    search->addAction(QIcon(QStringLiteral(":/images/esf-search")), QLineEdit::LeadingPosition);
     connect(search, &QLineEdit::textChanged, m_proxy,
             [this](const QString &text) { m_proxy->setSearchString(text); });
 
-    auto *submit = new QPushButton(QStringLiteral("Submit"), this);
-    auto *revert = new QPushButton(QStringLiteral("Revert"), this);
-    connect(submit, &QPushButton::clicked, m_model, &CustomerModel::submit);
-    connect(revert, &QPushButton::clicked, m_model, &CustomerModel::revert);
+    auto *submit
+        = new QAction(QIcon(QStringLiteral(":/images/submit")), QStringLiteral("&Submit"), this);
+    auto *revert
+        = new QAction(QIcon(QStringLiteral(":/images/revert")), QStringLiteral("&Revert"), this);
+    auto *clear = new QAction(QIcon(QStringLiteral(":/images/clear")),
+                              QStringLiteral("&Clear search"), this);
+    connect(submit, &QAction::triggered, m_model, &CustomerModel::submit);
+    connect(revert, &QAction::triggered, m_model, &CustomerModel::revert);
+    connect(clear, &QAction::triggered, search, &QLineEdit::clear);
 
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(m_state, 1);
-    buttons->addWidget(submit);
-    buttons->addWidget(revert);
-    // The document asks about unsaved changes, shows the dialogs and the lock box itself.
     auto *menuBar = new QMenuBar(this);
+    // The document asks about unsaved changes, shows the dialogs and the lock box itself.
     QMenu *file = menuBar->addMenu(QStringLiteral("&File"));
     // Save As to a clean document changes the name alone: the title is set after every action.
     auto add = [this, file](const QString &text, QKeySequence key, auto action) {
@@ -68,14 +71,21 @@ DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget
     add(QStringLiteral("&Open..."), QKeySequence::Open, [this] { m_document->openFile(); });
     add(QStringLiteral("&Save"), QKeySequence::Save, [this] { m_document->saveFile(); });
     add(QStringLiteral("Save &As..."), QKeySequence::SaveAs, [this] { m_document->saveFileAs(); });
-    add(QStringLiteral("&Revert"), QKeySequence(), [this] { m_document->revert(); });
+    add(QStringLiteral("Re&vert to Saved"), QKeySequence(), [this] { m_document->revert(); });
     connect(m_document, &CustomerDocument::modifiedChanged, this, &DemoWindow::updateTitle);
+    menuBar->addMenu(QStringLiteral("&Table"))->addActions({ submit, revert, clear });
+    auto *toolBar = new QToolBar(this);
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    toolBar->addActions({ submit, revert });
+    toolBar->addSeparator();
+    toolBar->addAction(clear);
 
     auto *layout = new QVBoxLayout(this);
     layout->setMenuBar(menuBar);
+    layout->addWidget(toolBar);
     layout->addWidget(search);
     layout->addWidget(m_view);
-    layout->addLayout(buttons);
+    layout->addWidget(m_state);
 
     // Revert emits nothing of its own when only cells change back, so ask
     // after every change the view can see.
@@ -83,7 +93,7 @@ DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget
     connect(m_model, &CustomerModel::rowsRemoved, this, &DemoWindow::updateState);
     connect(m_model, &CustomerModel::rowsInserted, this, &DemoWindow::updateState);
     connect(m_model, &CustomerModel::dataSubmitted, this, &DemoWindow::updateState);
-    connect(revert, &QPushButton::clicked, this, &DemoWindow::updateState);
+    connect(revert, &QAction::triggered, this, &DemoWindow::updateState);
     updateState();
     updateTitle();
     resize(520, 300);

@@ -9,8 +9,9 @@ class QTableView;
 class ZuSortFilterProxyModel;
 
 // A table view over the customers, sorted by city and then name, with a
-// search field, Submit and Revert buttons and a line that tells whether there
-// is something to submit. Its File menu saves and opens the table as a document.
+// search field, Submit and Revert in a menu and a tool bar (with the library's
+// icons) and a line that tells whether there is something to submit. Its File
+// menu saves and opens the table as a document.
 class DemoWindow : public QWidget
 {
     Q_OBJECT
@@ -23,7 +24,6 @@ protected:
 
 private:
     void updateTitle();
-
     void updateState();
 
     CustomerModel *m_model;

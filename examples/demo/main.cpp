@@ -2,7 +2,8 @@
 // submitted or reverted, shown sorted by two columns and searched through a
 // sort/filter proxy, then saved, reverted and opened again as a JSON document
 // with a lock file. Headless it prints each step; with --gui it opens a table
-// view with a search field, Submit and Revert buttons and a File menu.
+// view with a search field, Submit and Revert in its menu and tool bar, and a
+// File menu.
 #include "CustomerDocument.h"
 #include "CustomerModel.h"
 #include "DemoWindow.h"
@@ -11,6 +12,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QImage>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -127,6 +129,10 @@ int runHeadless(CustomerModel &model, CustomerDocument &document)
     printRows(proxy);
 
     out() << "the table as JSON: " << model.toJsonString() << Qt::endl;
+    // Loading the library registered its icons: no Q_INIT_RESOURCE here.
+    const QImage icon(QStringLiteral(":/images/submit"));
+    out() << "the library's icon :/images/submit is " << icon.width() << " x " << icon.height()
+          << Qt::endl;
     if (!runDocument(model, document))
         return 1;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
