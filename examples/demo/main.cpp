@@ -3,11 +3,13 @@
 // sort/filter proxy, then saved, reverted and opened again as a JSON document
 // with a lock file. Headless it prints each step; with --gui it opens a table
 // view with a search field, Submit and Revert in its menu and tool bar, and a
-// File menu.
+// File menu. Its log goes to demo.log, a new file each day, the last seven kept.
 #include "CustomerDocument.h"
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
+#include <zucore/Logger.h>
+#include <zucore/LoggerRollingFileAppender.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QApplication>
@@ -85,6 +87,19 @@ bool runDocument(CustomerModel &model, CustomerDocument &document)
     return saved && opened == 1 && model.rowCount() == 5;
 }
 
+// The first record after midnight renames demo.log to demo.log.yyyy-MM-dd, the day it covers.
+void startLogging()
+{
+    auto *file = new LoggerRollingFileAppender(QStringLiteral("demo.log"));
+    file->setFormat(
+        QStringLiteral("%{time}{yyyy-MM-ddTHH:mm:ss.zzz} [%{type:-7}] <%{function}> %{message}\n"));
+    file->setDatePattern(LoggerRollingFileAppender::DailyRollover);
+    file->setLogFilesLimit(7); // today's file and six dated ones
+    cuteLoggerInstance()->registerAppender(file);
+    LOG_INFO().noquote() << "demo started; log file"
+                         << QFileInfo(file->fileName()).absoluteFilePath();
+}
+
 int runHeadless(CustomerModel &model, CustomerDocument &document)
 {
     QObject::connect(&model, &CustomerModel::dataSubmitted, [](bool wasDirty) {
@@ -143,6 +158,7 @@ int runHeadless(CustomerModel &model, CustomerDocument &document)
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
+    startLogging();
     CustomerModel model;
     if (!model.insertFromJsonString(QString::fromUtf8(customers)))
         return 1;
