@@ -1,10 +1,12 @@
 // The demo of zucore's table model: rows loaded from JSON, edits that can be
 // submitted or reverted, shown sorted by two columns and searched through a
-// sort/filter proxy. Headless it prints each step; with --gui it opens a
-// table view with a search field, and Submit and Revert in its menu and tool bar.
-// Its log goes to demo.log, a new file each day, the last seven kept.
+// sort/filter proxy, then saved, reverted and opened again as a JSON document
+// with a lock file. Headless it prints each step; with --gui it opens a table
+// view with a search field, Submit and Revert in its menu and tool bar, and a
+// File menu. Its log goes to demo.log, a new file each day, the last seven kept.
 // The headless run ends with a WAV file written and read back, and the table's
 // JSON scrambled and restored.
+#include "CustomerDocument.h"
 #include "CustomerModel.h"
 #include "DemoWindow.h"
 
@@ -17,6 +19,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QImage>
+#include <QTemporaryDir>
 #include <QTextStream>
 #include <QtEndian>
 
@@ -56,6 +59,39 @@ void printRows(const QAbstractItemModel &proxy)
             cells << proxy.index(row, column).data().toString();
         out() << "  " << cells.join(QStringLiteral(" | ")) << Qt::endl;
     }
+}
+
+const char *yesNo(bool value)
+{
+    return value ? "yes" : "no";
+}
+
+// Saves the table as a document, edits and reverts it, starts a new one and opens the file again.
+// Nothing here raises a box: the document is never modified when it would ask.
+bool runDocument(CustomerModel &model, CustomerDocument &document)
+{
+    QTemporaryDir folder;
+    const QString fileName = folder.filePath(QStringLiteral("customers.json"));
+    const int city = CustomerModel::City;
+    out() << "save the table as a document:" << Qt::endl;
+    const bool saved = document.saveFile(fileName);
+    out() << "  saved " << yesNo(saved) << ", " << QFileInfo(fileName).size()
+          << " bytes; lock file " << QFileInfo(document.lockFileName()).fileName() << " held "
+          << yesNo(QFileInfo::exists(document.lockFileName())) << Qt::endl;
+    model.setData(model.index(0, city), QStringLiteral("Rome"));
+    out() << "  edit the city of row 0 to Rome: document modified " << yesNo(document.isModified())
+          << Qt::endl;
+    document.revert();
+    out() << "  revert the document: city " << model.index(0, city).data().toString()
+          << ", modified " << yesNo(document.isModified()) << Qt::endl;
+    document.newFile();
+    out() << "  new document: " << model.rowCount() << " rows, lock file held "
+          << yesNo(QFileInfo::exists(fileName.chopped(4) + QStringLiteral("lock"))) << Qt::endl;
+    const int opened = document.openFile(fileName);
+    out() << "  open it again: " << model.rowCount() << " rows, city of row 0 "
+          << model.index(0, city).data().toString() << Qt::endl;
+    document.closeFile();
+    return saved && opened == 1 && model.rowCount() == 5;
 }
 
 // The first record after midnight renames demo.log to demo.log.yyyy-MM-dd, the day it covers.
@@ -109,7 +145,7 @@ bool showCodecs(const QString &json)
     return restored == json;
 }
 
-int runHeadless(CustomerModel &model)
+int runHeadless(CustomerModel &model, CustomerDocument &document)
 {
     QObject::connect(&model, &CustomerModel::dataSubmitted, [](bool wasDirty) {
         out() << "  dataSubmitted(wasDirty = " << (wasDirty ? "true" : "false") << ")" << Qt::endl;
@@ -157,7 +193,7 @@ int runHeadless(CustomerModel &model)
     const QImage icon(QStringLiteral(":/images/submit"));
     out() << "the library's icon :/images/submit is " << icon.width() << " x " << icon.height()
           << Qt::endl;
-    if (!showCodecs(model.toJsonString()))
+    if (!runDocument(model, document) || !showCodecs(model.toJsonString()))
         return 1;
     return model.data(model.index(0, city)).toString() == QLatin1String("Oslo") ? 0 : 1;
 }
@@ -171,10 +207,11 @@ int main(int argc, char *argv[])
     CustomerModel model;
     if (!model.insertFromJsonString(QString::fromUtf8(customers)))
         return 1;
+    CustomerDocument document(&model);
     if (!app.arguments().contains(QStringLiteral("--gui")))
-        return runHeadless(model);
+        return runHeadless(model, document);
 
-    DemoWindow window(&model);
+    DemoWindow window(&model, &document);
     window.show();
     return app.exec();
 }
