@@ -45,6 +45,34 @@ void printToStderr(const QByteArray &line)
     std::fflush(stderr);
 }
 
+// How deep this thread is inside an appender (or the clean-up of the global instance). A record
+// raised there, by a QFile warning or an application's appender that logs, would wait for a
+// logger mutex that this very thread holds: it goes straight to standard error instead.
+thread_local int appenderDepth = 0;
+
+struct AppenderScope
+{
+    AppenderScope() { ++appenderDepth; }
+    ~AppenderScope() { --appenderDepth; }
+    Q_DISABLE_COPY(AppenderScope)
+};
+
+QString fallbackLine(Logger::LogLevel level, const char *function, const QString &message)
+{
+    return QStringLiteral("[%1] <%2> %3")
+        .arg(Logger::levelToString(level), -7)
+        .arg(LoggerAbstractStringAppender::stripFunctionName(function))
+        .arg(message);
+}
+
+// A record raised from inside an appender on this thread: printed, never handed to appenders.
+void writeReentrant(Logger::LogLevel level, const char *function, const QString &message)
+{
+    printToStderr(fallbackLine(level, function, message).toLocal8Bit());
+    if (level == Logger::Fatal)
+        std::abort();
+}
+
 void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
                             const QString &message)
 {
@@ -65,6 +93,10 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
     default:
         level = Logger::Debug;
         break;
+    }
+    if (appenderDepth > 0) {
+        writeReentrant(level, context.function, message);
+        return;
     }
     const bool isDefaultCategory
         = QString::fromLatin1(context.category) == QLatin1String("default");
@@ -91,6 +123,8 @@ QDateTime currentTimeStamp()
 void cleanupLoggerGlobalInstance()
 {
     ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
+    // An appender's destructor that raises a Qt message must not ask for this lock again.
+    AppenderScope scope;
     delete globalInstancePtr;
     globalInstancePtr = nullptr;
 }
@@ -112,6 +146,7 @@ Logger::~Logger()
 {
     {
         ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+        AppenderScope scope;
         QSet<LoggerAbstractAppender *> owned;
         for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
             owned.insert(appender);
@@ -245,6 +280,12 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                    int line, const char *function, const char *category, const QString &message,
                    bool fromLocalInstance)
 {
+    if (appenderDepth > 0) {
+        // A local logger passes its records on outside of any appender, so this is a record
+        // raised by an appender of this thread: its logger's mutex is taken.
+        writeReentrant(logLevel, function, message);
+        return;
+    }
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
 
     QString logCategory = QString::fromLatin1(category);
@@ -266,6 +307,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                 d->noAppendersCategories.append(logCategory);
             }
         } else {
+            AppenderScope scope;
             for (LoggerAbstractAppender *appender : appenders)
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;
@@ -277,6 +319,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
             if (!noAppendersWarningPrinted.exchange(true))
                 printToStderr("No appenders registered with logger");
         } else {
+            AppenderScope scope;
             for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;
@@ -296,11 +339,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
     }
 
     if (!wasWritten && !fromLocalInstance) {
-        const QString fallback = QStringLiteral("[%1] <%2> %3")
-                                     .arg(levelToString(logLevel), -7)
-                                     .arg(LoggerAbstractStringAppender::stripFunctionName(function))
-                                     .arg(message);
-        printToStderr(fallback.toLocal8Bit());
+        printToStderr(fallbackLine(logLevel, function, message).toLocal8Bit());
     }
 
     if (logLevel == Logger::Fatal)

@@ -4,11 +4,15 @@
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerConsoleAppender.h>
+#include <zucore/LoggerFileAppender.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QRegularExpression>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 using namespace zutest;
@@ -30,6 +34,35 @@ struct NamedAppender : LoggerAbstractAppender
     }
     QString name;
 };
+
+// Raises a message of its own while it runs, as an application's appender might.
+struct ChattyAppender : LoggerAbstractAppender
+{
+    explicit ChattyAppender(bool throughQt)
+        : throughQt(throughQt)
+    { }
+    void append(const QDateTime &, Logger::LogLevel, const char *, int, const char *,
+                const QString &, const QString &message) override
+    {
+        if (throughQt)
+            qWarning("inner %s", qPrintable(message));
+        else
+            LOG_WARNING() << "inner" << message;
+    }
+    bool throughQt;
+};
+
+// Points the descriptor that holds @p fileName at a read-only one: later writes fail.
+bool makeUnwritable(const QString &fileName)
+{
+    const QString target = QFileInfo(fileName).canonicalFilePath();
+    const int readOnly = ::open("/dev/null", O_RDONLY);
+    for (const QString &fd : QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System)) {
+        if (QFileInfo("/proc/self/fd/" + fd).canonicalFilePath() == target)
+            return ::dup2(readOnly, fd.toInt()) >= 0 && ::close(readOnly) == 0;
+    }
+    return false;
+}
 
 void put(Logger *logger, const char *category, const char *message)
 {
@@ -69,6 +102,8 @@ private slots:
     void registrationAndOwnership();
     void categoryRouting();
     void timingHelper();
+    void messagesFromInsideAnAppender_data();
+    void messagesFromInsideAnAppender();
     void childProcess_data();
     void childProcess();
 };
@@ -187,6 +222,53 @@ void tst_Logger::timingHelper()
     QVERIFY2(expected.match(message).hasMatch(), qPrintable(message));
     QCOMPARE(appender->records().at(0).level, Logger::Warning);
     QCOMPARE(appender->records().at(0).line, 7);
+}
+
+void tst_Logger::messagesFromInsideAnAppender_data()
+{
+    QTest::addColumn<QString>("appender");
+    QTest::addColumn<QString>("expectedErr"); // a regular expression
+    QTest::newRow("qWarning") << "qt"
+                              << "^\\[Warn   \\] <[^>]*> inner outer\n$";
+    QTest::newRow("log statement")
+        << "log"
+        << "^\\[Warn   \\] <[^>]*ChattyAppender::append> inner \"outer\" ?\n$";
+    QTest::newRow("file becomes unwritable") << "file"
+                                             << "";
+}
+
+// A message raised on the thread that runs an appender would wait for a mutex the thread
+// holds: it goes to standard error, and logging goes on.
+void tst_Logger::messagesFromInsideAnAppender()
+{
+    QFETCH(QString, appender);
+    QFETCH(QString, expectedErr);
+    Logger *global = cuteLoggerInstance();
+    LogCapture capture;
+    LoggerAbstractAppender *inner = nullptr;
+    if (appender == "file") {
+        auto *file = new LoggerFileAppender("unwritable.log");
+        file->setFormat("%{message}\n");
+        file->write(QDateTime::currentDateTime(), Logger::Info, "f.cpp", 1, "void f()", {}, "open");
+        QVERIFY(makeUnwritable("unwritable.log"));
+        inner = file;
+    } else {
+        inner = new ChattyAppender(appender == "qt");
+    }
+    global->registerAppender(inner);
+    StderrCapture err;
+    put(global, nullptr, "outer");
+    put(global, nullptr, "outer");
+    const QString text = QString::fromLocal8Bit(err.take());
+    global->removeAppender(inner);
+    delete inner;
+    QCOMPARE(capture.messages(), QStringList({ "outer", "outer" }));
+    if (!expectedErr.isEmpty()) {
+        const QStringList lines = text.split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY2(QRegularExpression(expectedErr).match(lines.at(0) + '\n').hasMatch(),
+                 qPrintable(text));
+    }
 }
 
 void tst_Logger::childProcess_data()
