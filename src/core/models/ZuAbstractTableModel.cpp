@@ -303,16 +303,19 @@ bool ZuAbstractTableModel::copy(const QModelIndex &from, const QModelIndex &to)
 {
     if (!from.isValid() || !to.isValid())
         return false;
+    // Indexes of another model or rows outside the table name no row here: refused before
+    // any signal, which would otherwise carry indexes that don't exist.
+    const int rows = qMin(rowCount(), modelRows.size());
+    if (from.model() != this || to.model() != this || from.row() >= rows || to.row() >= rows)
+        return false;
     const int source = from.row();
     const int target = to.row();
     const int columns = columnCount();
-    if (source < modelRows.size() && target < modelRows.size()) {
-        const Row cells = modelRows.at(source); // a copy: source and target may be one row
-        Row &targetCells = modelRows[target];
-        const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
-        for (int c = 0; c < n; ++c)
-            targetCells[c].first = cells.at(c).first;
-    }
+    const Row cells = modelRows.at(source); // a copy: source and target may be one row
+    Row &targetCells = modelRows[target];
+    const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
+    for (int c = 0; c < n; ++c)
+        targetCells[c].first = cells.at(c).first;
     if (columns > 0)
         emit dataChanged(index(target, 0), index(target, columns - 1), {});
     return true;

@@ -199,7 +199,8 @@ public:
     virtual QString itemInvalidReason(const QModelIndex &index) const;
     /**
      * Copies the current values of the row of @p from over the row of @p to;
-     * previous values and the dirty flag stay. False for an invalid index.
+     * previous values and the dirty flag stay. False, with no signal, for an
+     * invalid index, an index of another model and a row outside the table.
      */
     virtual bool copy(const QModelIndex &from, const QModelIndex &to);
     /**
