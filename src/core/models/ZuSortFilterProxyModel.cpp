@@ -6,7 +6,10 @@
 #include <QFont>
 #include <QHash>
 #include <QMap>
+#include <QMetaMethod>
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace {
 
@@ -57,7 +60,56 @@ public:
     ZuSortFilterProxyModel *q;
 
     QHash<QString, QRegularExpression> compiledPatterns;
+
+    // The sort columns changed since the last sort(): the same sort() must still re-sort.
+    bool sortColumnsChanged = false;
+    QMetaObject::Connection sourceDataChanged;
+
+    void placeEditedRows(const QModelIndex &topLeft, const QModelIndex &bottomRight);
 };
+
+// The base class re-places a changed row only when the change covers the column last given to
+// sort(), while the order depends on every sort column. A change of another sort column is
+// handed to the base class's own handling once more, widened to that column, so that it
+// re-places those rows as it does for its sort column (one row costs a binary search, not a
+// sort). Should that handling ever be missing, the whole order is rebuilt instead.
+void ZuSortFilterProxyModelPrivate::placeEditedRows(const QModelIndex &topLeft,
+                                                    const QModelIndex &bottomRight)
+{
+    const int sortColumn = q->sortColumn();
+    if (!q->dynamicSortFilter() || sortColumn < 0 || sortColumns.isEmpty() || !topLeft.isValid()
+        || !bottomRight.isValid())
+        return;
+    if (topLeft.column() <= sortColumn && sortColumn <= bottomRight.column())
+        return; // placed already
+    const bool touchesOrder
+        = std::any_of(sortColumns.cbegin(), sortColumns.cend(), [&](int column) {
+              return topLeft.column() <= column && column <= bottomRight.column();
+          });
+    if (!touchesOrder)
+        return;
+
+    static const QMetaMethod baseHandler = [] {
+        const QMetaObject &base = QSortFilterProxyModel::staticMetaObject;
+        for (int i = base.methodOffset(); i < base.methodCount(); ++i) {
+            if (base.method(i).name() == "_q_sourceDataChanged"
+                && base.method(i).parameterCount() == 3)
+                return base.method(i);
+        }
+        return QMetaMethod();
+    }();
+    const QAbstractItemModel *source = topLeft.model();
+    const QModelIndex first
+        = source->index(topLeft.row(), qMin(topLeft.column(), sortColumn), topLeft.parent());
+    const QModelIndex last = source->index(
+        bottomRight.row(), qMax(bottomRight.column(), sortColumn), bottomRight.parent());
+    const QVector<int> allRoles;
+    if (!baseHandler.isValid() || !first.isValid() || !last.isValid()
+        || !baseHandler.invoke(
+            q, Qt::DirectConnection, Q_ARG(QModelIndex, first), Q_ARG(QModelIndex, last),
+            QGenericArgument(baseHandler.parameterTypes().at(2).constData(), &allRoles)))
+        q->invalidate();
+}
 
 namespace {
 
@@ -78,9 +130,34 @@ ZuSortFilterProxyModel::ZuSortFilterProxyModel(QObject *parent)
 
 ZuSortFilterProxyModel::~ZuSortFilterProxyModel() = default;
 
+void ZuSortFilterProxyModel::setSourceModel(QAbstractItemModel *source)
+{
+    QObject::disconnect(d->sourceDataChanged);
+    QSortFilterProxyModel::setSourceModel(source);
+    // Connected after the base class, so that its own handling of a change comes first.
+    if (source)
+        d->sourceDataChanged
+            = connect(source, &QAbstractItemModel::dataChanged, this,
+                      [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
+                          d->placeEditedRows(topLeft, bottomRight);
+                      });
+}
+
+void ZuSortFilterProxyModel::sort(int column, Qt::SortOrder order)
+{
+    // The base class ignores a sort by the column and order it already has, but the sort
+    // columns may have changed since.
+    const bool same = column == sortColumn() && order == sortOrder();
+    QSortFilterProxyModel::sort(column, order);
+    if (same && column >= 0 && d->sortColumnsChanged && dynamicSortFilter())
+        invalidate();
+    d->sortColumnsChanged = false;
+}
+
 void ZuSortFilterProxyModel::setSortColumns(const QList<int> &columns)
 {
     d->sortColumns = columns;
+    d->sortColumnsChanged = true;
 }
 
 QList<int> ZuSortFilterProxyModel::sortColumns() const
@@ -91,16 +168,19 @@ QList<int> ZuSortFilterProxyModel::sortColumns() const
 void ZuSortFilterProxyModel::addSortColumn(int column)
 {
     d->sortColumns.append(column);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::addSortColumns(const QList<int> &columns)
 {
     d->sortColumns.append(columns);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::clearSortColumns()
 {
     d->sortColumns.clear();
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::setSearchColumns(const QList<int> &columns)
