@@ -184,31 +184,8 @@ bool ZuAbstractTableModel::insertRows(int row, int count, const QModelIndex &)
     for (int c = 0; c < columns; ++c)
         fresh.append(Cell());
     const int at = qMin(row, modelRows.size());
-    if (at == modelRows.size()) {
-        // Only for a bulk insert: an exact reserve per single row would
-        // reallocate the list on every append.
-        if (count > 1)
-            modelRows.reserve(modelRows.size() + count);
-        for (int i = 0; i < count; ++i) {
-            modelRows.append(fresh);
-            // Each row owns its cells from the start, so a bulk load doesn't pay
-            // for a detach per row later on.
-            modelRows.last().detach();
-        }
-    } else {
-        // Build the new list in one pass instead of shifting the tail per row.
-        QList<Row> rows;
-        rows.reserve(modelRows.size() + count);
-        for (int i = 0; i < at; ++i)
-            rows.append(std::move(modelRows[i]));
-        for (int i = 0; i < count; ++i) {
-            rows.append(fresh);
-            rows.last().detach();
-        }
-        for (int i = at; i < modelRows.size(); ++i)
-            rows.append(std::move(modelRows[i]));
-        modelRows.swap(rows);
-    }
+    for (int i = 0; i < count; ++i)
+        modelRows.insert(at + i, fresh);
     endInsertRows();
     dirtyFlag = true;
     return true;
