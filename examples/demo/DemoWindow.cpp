@@ -1,11 +1,14 @@
 #include "DemoWindow.h"
 
+#include "CustomerDocument.h"
 #include "CustomerModel.h"
 
 #include <zucore/ZuManualSubmitProxyModel.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
@@ -15,14 +18,14 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
+DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
+    , m_document(document)
     , m_proxy(new ZuSortFilterProxyModel(this))
     , m_view(new QTableView(this))
     , m_state(new QLabel(this))
 {
-    setWindowTitle(QStringLiteral("zucore demo: staged table edits"));
     // Natural order by city, then by name; edits move their row at once.
     m_proxy->setSourceModel(m_model);
     m_proxy->setSortColumns({ CustomerModel::City, CustomerModel::Name });
@@ -55,6 +58,22 @@ DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
     connect(clear, &QAction::triggered, search, &QLineEdit::clear);
 
     auto *menuBar = new QMenuBar(this);
+    // The document asks about unsaved changes, shows the dialogs and the lock box itself.
+    QMenu *file = menuBar->addMenu(QStringLiteral("&File"));
+    // Save As to a clean document changes the name alone: the title is set after every action.
+    auto add = [this, file](const QString &text, QKeySequence key, auto action) {
+        QAction *item = file->addAction(text, m_document, [this, action] {
+            action();
+            updateTitle();
+        });
+        item->setShortcut(key);
+    };
+    add(QStringLiteral("&New"), QKeySequence::New, [this] { m_document->newFile(); });
+    add(QStringLiteral("&Open..."), QKeySequence::Open, [this] { m_document->openFile(); });
+    add(QStringLiteral("&Save"), QKeySequence::Save, [this] { m_document->saveFile(); });
+    add(QStringLiteral("Save &As..."), QKeySequence::SaveAs, [this] { m_document->saveFileAs(); });
+    add(QStringLiteral("Re&vert to Saved"), QKeySequence(), [this] { m_document->revert(); });
+    connect(m_document, &CustomerDocument::modifiedChanged, this, &DemoWindow::updateTitle);
     menuBar->addMenu(QStringLiteral("&Table"))->addActions({ submit, revert, clear });
     auto *toolBar = new QToolBar(this);
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -77,7 +96,25 @@ DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
     connect(m_model, &CustomerModel::dataSubmitted, this, &DemoWindow::updateState);
     connect(revert, &QAction::triggered, this, &DemoWindow::updateState);
     updateState();
+    updateTitle();
     resize(520, 300);
+}
+
+void DemoWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_document->maybeSave())
+        event->accept();
+    else
+        event->ignore();
+}
+
+void DemoWindow::updateTitle()
+{
+    const QString name = m_document->fileName().isEmpty()
+        ? m_document->defaultFileName()
+        : QFileInfo(m_document->fileName()).fileName();
+    setWindowTitle(QStringLiteral("%1%2 - zucore demo")
+                       .arg(name, m_document->isModified() ? QStringLiteral("*") : QString()));
 }
 
 void DemoWindow::updateState()

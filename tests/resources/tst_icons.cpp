@@ -1,17 +1,10 @@
 #include "support/ZuTest.h"
 
-#include <zucore/ZuCore.h>
-
 #include <QDirIterator>
 #include <QImageReader>
 #include <QPixmap>
 #include <QResource>
 #include <QSet>
-
-// The icons come with loading the library, but a linker that drops unused libraries (as-needed,
-// the default here) would not load it for a program that calls nothing of it: refer to it from
-// a variable that no compiler may drop.
-QDate (*keepLibraryLinked)() = &ZuCore::nullDate;
 
 namespace {
 
