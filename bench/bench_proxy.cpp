@@ -5,6 +5,7 @@
 
 #include <zucore/ZuSortFilterProxyModel.h>
 
+#include <QAbstractTableModel>
 #include <QCollator>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -347,8 +348,214 @@ void proxy_edit_resort_100k_peer(benchmark::State &state)
     editResort(state, proxy, 2);
 }
 
+// A million rows of two columns, file names and a status word, held as plain texts so that
+// the model itself costs little next to the proxy. Every other row holds "open".
+class BigTable : public QAbstractTableModel
+{
+public:
+    explicit BigTable(int rows)
+    {
+        QRandomGenerator random(5);
+        names.reserve(rows);
+        for (int r = 0; r < rows; ++r)
+            names << fileName(random);
+    }
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override
+    {
+        return parent.isValid() ? 0 : names.size();
+    }
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override
+    {
+        return parent.isValid() ? 0 : 2;
+    }
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override
+    {
+        if (role != Qt::DisplayRole || !index.isValid())
+            return QVariant();
+        if (index.column() == 0)
+            return names.at(index.row());
+        return index.row() % 2 ? QStringLiteral("open") : QStringLiteral("closed");
+    }
+    QVector<QString> names;
+};
+
+BigTable &bigTable(int rows)
+{
+    static std::unique_ptr<BigTable> model;
+    if (!model || model->names.size() != rows)
+        model = std::make_unique<BigTable>(rows);
+    return *model;
+}
+
+int millionRows()
+{
+    return smoke() ? 20000 : 1000000;
+}
+
+QVector<QString> proxyColumn(const QAbstractItemModel &proxy, int column)
+{
+    QVector<QString> texts;
+    texts.reserve(proxy.rowCount());
+    for (int r = 0; r < proxy.rowCount(); ++r)
+        texts << proxy.index(r, column).data().toString();
+    return texts;
+}
+
+// Ours sorting a million rows by its sort column list, against sorting the same texts directly
+// with the same comparison: what the proxy adds to the comparisons themselves.
+void proxy_sort_1M_ours(benchmark::State &state)
+{
+    BigTable &source = bigTable(millionRows());
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&source);
+    proxy.setSortColumns({ 0 });
+    proxy.rowCount();
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(0);
+    }
+    QVector<QString> plain = source.names;
+    std::stable_sort(plain.begin(), plain.end(), [](const QString &a, const QString &b) {
+        return ZuPlatform::naturalCompare(a, b) < 0;
+    });
+    if (proxyColumn(proxy, 0) != plain)
+        state.SkipWithError("the proxy's order is not the plain one");
+}
+
+void proxy_sort_1M_peer(benchmark::State &state)
+{
+    const QVector<QString> &texts = bigTable(millionRows()).names;
+    for (auto _ : state) {
+        state.PauseTiming();
+        QVector<QString> copy = texts;
+        copy.detach();
+        state.ResumeTiming();
+        std::sort(copy.begin(), copy.end(), [](const QString &a, const QString &b) {
+            return ZuPlatform::naturalCompare(a, b) < 0;
+        });
+        benchmark::DoNotOptimize(copy.data());
+    }
+}
+
+void proxy_sort_1M_qsfpm_ours(benchmark::State &state)
+{
+    proxy_sort_1M_ours(state);
+}
+
+// The plain proxy ordering by QCollator in numeric mode, the natural order Qt offers.
+class CollatingProxy : public QSortFilterProxyModel
+{
+protected:
+    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override
+    {
+        return collator().compare(left.data().toString(), right.data().toString()) < 0;
+    }
+};
+
+void proxy_sort_1M_qsfpm_peer(benchmark::State &state)
+{
+    CollatingProxy proxy;
+    proxy.setSourceModel(&bigTable(millionRows()));
+    proxy.rowCount();
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(0);
+    }
+}
+
+// A search over a filled, unsorted proxy that keeps every other row: Qt's own filter change
+// removes the rows run by run. Each pass starts from a freshly filled proxy.
+template<typename Proxy, typename Search>
+void searchFilled(benchmark::State &state, int rows, bool filledFirst, Search search)
+{
+    BigTable &source = bigTable(rows);
+    int kept = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto proxy = std::make_unique<Proxy>();
+        proxy->setSourceModel(&source);
+        if (filledFirst)
+            proxy->rowCount();
+        state.ResumeTiming();
+        search(*proxy);
+        kept = proxy->rowCount(); // what a view reads first
+        state.PauseTiming();
+        proxy.reset();
+        state.ResumeTiming();
+    }
+    if (kept != rows / 2)
+        state.SkipWithError("the search kept the wrong rows");
+}
+
+void searchOurs(ZuSortFilterProxyModel &proxy)
+{
+    proxy.setSearchString(QStringLiteral("^open$"));
+}
+
+void searchPeer(QSortFilterProxyModel &proxy)
+{
+    proxy.setFilterKeyColumn(-1);
+    proxy.setFilterRegularExpression(
+        QRegularExpression(QStringLiteral("^open$"), QRegularExpression::CaseInsensitiveOption));
+}
+
+void proxy_search_1M_ours(benchmark::State &state)
+{
+    searchFilled<ZuSortFilterProxyModel>(state, millionRows(), true, searchOurs);
+}
+
+void proxy_search_1M_peer(benchmark::State &state)
+{
+    searchFilled<QSortFilterProxyModel>(state, millionRows(), true, searchPeer);
+}
+
+// The same search given before any view has read the proxy.
+void proxy_search_new_view_100k_ours(benchmark::State &state)
+{
+    searchFilled<ZuSortFilterProxyModel>(state, smoke() ? 5000 : 100000, false, searchOurs);
+}
+
+void proxy_search_new_view_100k_peer(benchmark::State &state)
+{
+    searchFilled<QSortFilterProxyModel>(state, smoke() ? 5000 : 100000, false, searchPeer);
+}
+
 } // namespace
 
+BENCHMARK(proxy_sort_1M_ours)
+    ->Name("proxy_sort_1M/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_peer)
+    ->Name("proxy_sort_1M/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_qsfpm_ours)
+    ->Name("proxy_sort_1M_qsfpm/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_qsfpm_peer)
+    ->Name("proxy_sort_1M_qsfpm/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_1M_ours)
+    ->Name("proxy_search_1M/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_1M_peer)
+    ->Name("proxy_search_1M/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_new_view_100k_ours)
+    ->Name("proxy_search_new_view_100k/ours")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_search_new_view_100k_peer)
+    ->Name("proxy_search_new_view_100k/peer")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(proxy_edit_resort_100k_ours)
     ->Name("proxy_edit_resort_100k/ours")
     ->Unit(benchmark::kMicrosecond);

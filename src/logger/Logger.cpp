@@ -1,4 +1,5 @@
 #include "logger/LoggerLocks_p.h"
+#include "logger/LoggerStatementGate_p.h"
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerAbstractAppender.h>
@@ -127,9 +128,50 @@ void cleanupLoggerGlobalInstance()
     AppenderScope scope;
     delete globalInstancePtr;
     globalInstancePtr = nullptr;
+    // The next statement makes a fresh global logger.
+    LoggerStatementGate::invalidate();
 }
 
 } // namespace
+
+// The low byte is the lowest level that a statement may need (0, Trace, lets everything pass);
+// DirtyBit asks the global logger to work it out again; the bits above count the changes, so
+// that an answer worked out while another change came in is not stored.
+std::atomic<int> Logger::s_statementState { 0 };
+
+namespace {
+constexpr int LevelMask = 0xff;
+constexpr int DirtyBit = 0x100;
+constexpr int Generation = 0x200;
+} // namespace
+
+void LoggerStatementGate::invalidate() noexcept
+{
+    int state = Logger::s_statementState.load(std::memory_order_relaxed);
+    while (!Logger::s_statementState.compare_exchange_weak(
+        state, ((state + Generation) & ~LevelMask) | DirtyBit, std::memory_order_acq_rel)) { }
+}
+
+void LoggerStatementGate::update(const LoggerPrivate *global)
+{
+    const int state = Logger::s_statementState.load(std::memory_order_acquire);
+    if (!(state & DirtyBit))
+        return;
+    // Without main appenders a record still goes to standard error: every statement counts.
+    int lowest = Logger::Trace;
+    if (!global->appenders.isEmpty()) {
+        lowest = Logger::Fatal; // a fatal statement always ends the process
+        for (const LoggerAbstractAppender *appender : qAsConst(global->appenders))
+            lowest = qMin(lowest, int(appender->detailsLevel()));
+        for (auto it = global->categoryAppenders.cbegin(); it != global->categoryAppenders.cend();
+             ++it)
+            lowest = qMin(lowest, int(it.value()->detailsLevel()));
+        lowest = qMax(lowest, int(Logger::Trace));
+    }
+    int expected = state;
+    Logger::s_statementState.compare_exchange_strong(
+        expected, (state & ~(LevelMask | DirtyBit)) | lowest, std::memory_order_acq_rel);
+}
 
 Logger::Logger()
     : d(new LoggerPrivate)
@@ -215,6 +257,7 @@ Logger::LogLevel Logger::levelFromString(const QString &s)
 void Logger::registerAppender(LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     if (!d->appenders.contains(appender))
         d->appenders.append(appender);
     else
@@ -224,6 +267,7 @@ void Logger::registerAppender(LoggerAbstractAppender *appender)
 void Logger::registerCategoryAppender(const QString &category, LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     if (!d->categoryAppenders.values().contains(appender))
         d->categoryAppenders.insert(category, appender);
     else
@@ -233,6 +277,7 @@ void Logger::registerCategoryAppender(const QString &category, LoggerAbstractApp
 void Logger::removeAppender(LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     d->appenders.removeAll(appender);
     for (auto it = d->categoryAppenders.begin(); it != d->categoryAppenders.end();) {
         if (it.value() == appender)
@@ -256,6 +301,7 @@ void Logger::logToGlobalInstance(const QString &category, bool logToGlobal)
 void Logger::setDefaultCategory(const QString &category)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     d->defaultCategory = category;
 }
 
@@ -341,6 +387,9 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
     if (!wasWritten && !fromLocalInstance) {
         printToStderr(fallbackLine(logLevel, function, message).toLocal8Bit());
     }
+
+    if (isGlobalInstance)
+        LoggerStatementGate::update(d);
 
     if (logLevel == Logger::Fatal)
         std::abort();

@@ -21,6 +21,11 @@ int naturalCompare(const QString &a, const QString &b)
     return r < 0 ? -1 : (r > 0 ? 1 : 0);
 }
 
+quint64 naturalSortPrefix(const QString &)
+{
+    return 0;
+}
+
 #else
 
 namespace {
@@ -158,6 +163,26 @@ int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ush
 }
 
 } // namespace
+
+// The primary keys (18 bits each) of the first three code units, most significant first. A
+// digit ends the key with the digit class: what follows belongs to a run compared by value. A
+// shorter text pads with 0, below every key but that of U+0000, where the keys then tie.
+quint64 naturalSortPrefix(const QString &text)
+{
+    const ushort *p = reinterpret_cast<const ushort *>(text.constData());
+    const int n = qMin(int(text.size()), 3);
+    quint64 key = 0;
+    int k = 0;
+    for (; k < n; ++k) {
+        const uint primary = keyOf(p[k]).primary;
+        key = (key << 18) | primary;
+        if (primary == DigitClass) {
+            ++k;
+            break;
+        }
+    }
+    return key << (18 * (3 - k));
+}
 
 int naturalCompare(const QString &a, const QString &b)
 {

@@ -11,6 +11,7 @@
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QThread>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -78,6 +79,12 @@ const bool childRan = [] {
     Logger *global = cuteLoggerInstance();
     auto *console = new LoggerConsoleAppender;
     console->ignoreEnvironmentPattern(true);
+    if (scenario == "fatal-statement") { // no appender takes Fatal: the statement still ends it
+        console->setDetailsLevel(Logger::LogLevel(Logger::Fatal + 1));
+        global->registerAppender(console);
+        LOG_INFO() << "dropped";
+        LOG_FATAL("gone");
+    }
     if (scenario == "qfatal") {
         console->setFormat(QStringLiteral("%{type}:%{message}\n"));
         global->registerAppender(console);
@@ -102,6 +109,7 @@ private slots:
     void registrationAndOwnership();
     void categoryRouting();
     void timingHelper();
+    void skippedStatements();
     void messagesFromInsideAnAppender_data();
     void messagesFromInsideAnAppender();
     void childProcess_data();
@@ -224,6 +232,42 @@ void tst_Logger::timingHelper()
     QCOMPARE(appender->records().at(0).line, 7);
 }
 
+// A statement that no appender takes is skipped whole; one that some path still needs is not.
+void tst_Logger::skippedStatements()
+{
+    Logger *global = cuteLoggerInstance();
+    int evaluated = 0;
+    StderrCapture err;
+    LOG_TRACE() << ++evaluated; // no main appender: the record goes to standard error
+    QCOMPARE(evaluated, 1);
+    const QByteArray fallback = err.take();
+    QVERIFY2(fallback.contains("[Trace  ] <tst_Logger::skippedStatements> 1"),
+             fallback.constData());
+
+    auto *appender = new CapturingAppender;
+    appender->setDetailsLevel(Logger::Info);
+    global->registerAppender(appender);
+    LOG_INFO() << "first" << ++evaluated;
+    LOG_DEBUG() << "skipped" << ++evaluated;
+    QCOMPARE(evaluated, 2);
+    // Another thread lowers the level: the very next statement here is taken.
+    QScopedPointer<QThread> thread(
+        QThread::create([appender] { appender->setDetailsLevel(Logger::Debug); }));
+    thread->start();
+    QVERIFY(thread->wait(10000));
+    LOG_DEBUG() << "second" << ++evaluated;
+    if (evaluated == 0)
+        LOG_ERROR() << "not this";
+    else
+        LOG_WARNING("else branch");
+    global->removeAppender(appender);
+    QStringList messages = appender->messages();
+    for (QString &message : messages)
+        message = message.trimmed();
+    delete appender;
+    QCOMPARE(messages, QStringList({ "first 2", "second 3", "else branch" }));
+}
+
 void tst_Logger::messagesFromInsideAnAppender_data()
 {
     QTest::addColumn<QString>("appender");
@@ -281,6 +325,8 @@ void tst_Logger::childProcess_data()
         << QByteArray("No appenders registered with logger\n[Info   ] <first> one\n"
                       "[Warn   ] <second> two\n[Fatal  ] <check> ASSERT: \"x > 1\"\n");
     QTest::newRow("qFatal") << QByteArray("qfatal") << QByteArray("Fatal:gone 5\n");
+    QTest::newRow("LOG_FATAL that no appender takes")
+        << QByteArray("fatal-statement") << QByteArray();
 }
 
 void tst_Logger::childProcess()
