@@ -1,10 +1,14 @@
 #include "DemoWindow.h"
 
+#include "CustomerDocument.h"
 #include "CustomerModel.h"
 
+#include <zucore/ZuManualSubmitProxyModel.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
@@ -14,24 +18,24 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
-DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
+DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget *parent)
     : QWidget(parent)
     , m_model(model)
+    , m_document(document)
     , m_proxy(new ZuSortFilterProxyModel(this))
     , m_view(new QTableView(this))
     , m_state(new QLabel(this))
 {
-    setWindowTitle(QStringLiteral("zucore demo: staged table edits"));
     // Natural order by city, then by name; edits move their row at once.
     m_proxy->setSourceModel(m_model);
     m_proxy->setSortColumns({ CustomerModel::City, CustomerModel::Name });
     m_proxy->sort(CustomerModel::City);
-    m_view->setModel(m_proxy);
-    // Item views submit their model whenever the current row changes; here a
-    // batch of edits stays staged until the Submit button. (A proxy between
-    // view and model forwards that submit too: disconnect it from the proxy.)
-    disconnect(m_view->selectionModel(), SIGNAL(currentRowChanged(QModelIndex, QModelIndex)),
-               m_view->model(), SLOT(submit()));
+    // Item views submit their model when the current row changes or an editor
+    // closes with Enter, and revert it on Escape. Under the manual-submit proxy
+    // a batch of edits stays staged until the Submit or Revert action.
+    auto *manual = new ZuManualSubmitProxyModel(this);
+    manual->setSourceModel(m_proxy);
+    m_view->setModel(manual);
     m_view->horizontalHeader()->setStretchLastSection(true);
 
     // The search text is a case-insensitive regular expression over every column.
@@ -49,11 +53,27 @@ DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
         = new QAction(QIcon(QStringLiteral(":/images/revert")), QStringLiteral("&Revert"), this);
     auto *clear = new QAction(QIcon(QStringLiteral(":/images/clear")),
                               QStringLiteral("&Clear search"), this);
-    connect(submit, &QAction::triggered, m_model, &CustomerModel::submit);
-    connect(revert, &QAction::triggered, m_model, &CustomerModel::revert);
+    connect(submit, &QAction::triggered, manual, &ZuManualSubmitProxyModel::submitAll);
+    connect(revert, &QAction::triggered, manual, &ZuManualSubmitProxyModel::revertAll);
     connect(clear, &QAction::triggered, search, &QLineEdit::clear);
 
     auto *menuBar = new QMenuBar(this);
+    // The document asks about unsaved changes, shows the dialogs and the lock box itself.
+    QMenu *file = menuBar->addMenu(QStringLiteral("&File"));
+    // Save As to a clean document changes the name alone: the title is set after every action.
+    auto add = [this, file](const QString &text, QKeySequence key, auto action) {
+        QAction *item = file->addAction(text, m_document, [this, action] {
+            action();
+            updateTitle();
+        });
+        item->setShortcut(key);
+    };
+    add(QStringLiteral("&New"), QKeySequence::New, [this] { m_document->newFile(); });
+    add(QStringLiteral("&Open..."), QKeySequence::Open, [this] { m_document->openFile(); });
+    add(QStringLiteral("&Save"), QKeySequence::Save, [this] { m_document->saveFile(); });
+    add(QStringLiteral("Save &As..."), QKeySequence::SaveAs, [this] { m_document->saveFileAs(); });
+    add(QStringLiteral("Re&vert to Saved"), QKeySequence(), [this] { m_document->revert(); });
+    connect(m_document, &CustomerDocument::modifiedChanged, this, &DemoWindow::updateTitle);
     menuBar->addMenu(QStringLiteral("&Table"))->addActions({ submit, revert, clear });
     auto *toolBar = new QToolBar(this);
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -76,7 +96,25 @@ DemoWindow::DemoWindow(CustomerModel *model, QWidget *parent)
     connect(m_model, &CustomerModel::dataSubmitted, this, &DemoWindow::updateState);
     connect(revert, &QAction::triggered, this, &DemoWindow::updateState);
     updateState();
+    updateTitle();
     resize(520, 300);
+}
+
+void DemoWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_document->maybeSave())
+        event->accept();
+    else
+        event->ignore();
+}
+
+void DemoWindow::updateTitle()
+{
+    const QString name = m_document->fileName().isEmpty()
+        ? m_document->defaultFileName()
+        : QFileInfo(m_document->fileName()).fileName();
+    setWindowTitle(QStringLiteral("%1%2 - zucore demo")
+                       .arg(name, m_document->isModified() ? QStringLiteral("*") : QString()));
 }
 
 void DemoWindow::updateState()

@@ -3,13 +3,13 @@
 #include "CustomerModel.h"
 #include "TaskTreeModel.h"
 
+#include <zucore/ZuManualSubmitProxyModel.h>
 #include <zucore/ZuReadOnlyProxyModel.h>
 #include <zucore/ZuSortFilterTreeProxyModel.h>
 #include <zucore/ZuUniqueValuesProxyModel.h>
 
 #include <QAction>
 #include <QHBoxLayout>
-#include <QIdentityProxyModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -20,17 +20,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-// Item views call their model's submit() when the current row changes or an
-// editor closes with Enter, and revert() when one closes with Escape. Under
-// the view, this proxy keeps those calls from the tree: the batch stays staged.
-class KeepBatchProxy : public QIdentityProxyModel
-{
-public:
-    using QIdentityProxyModel::QIdentityProxyModel;
-    bool submit() override { return true; }
-    void revert() override { }
-};
 
 // submit() and revert() of a tree model reach the first top-level row and its
 // subtree; submitRows() and revertRows() of the invalid index reach them all.
@@ -74,7 +63,11 @@ TreeWindow::TreeWindow(TaskTreeModel *tasks, CustomerModel *customers, QWidget *
     auto *search = new ZuSortFilterTreeProxyModel(this);
     search->setSourceModel(tasks);
     search->sort(TaskTreeModel::Task); // natural order under each parent
-    auto *keep = new KeepBatchProxy(this);
+    // Item views submit their model when the current row changes or an editor
+    // closes with Enter, and revert it when one closes with Escape: under the
+    // view, this proxy keeps those calls from the tree, so the batch stays
+    // staged until Submit or Revert.
+    auto *keep = new ZuManualSubmitProxyModel(this);
     keep->setSourceModel(search);
     auto *tree = new QTreeView(this);
     tree->setModel(keep);

@@ -24,4 +24,18 @@ inline int qrandValue()
 #endif
 }
 
+/// Seeds the calling thread's generator as qsrand() did. Qt 6 draws from its global generator,
+/// which the system seeds and nobody can reseed, so there this does nothing.
+inline void qsrandSeed(uint seed)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    Q_UNUSED(seed);
+#else
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
+    qsrand(seed);
+    QT_WARNING_POP
+#endif
+}
+
 } // namespace ZuCompat

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace zutest {
 
@@ -55,6 +56,11 @@ void ModalAnswerer::poll()
         seen.text = box->text();
         seen.icon = box->icon();
         seen.buttons = box->standardButtons();
+        seen.informativeText = box->informativeText();
+        for (QAbstractButton *b : box->buttons())
+            seen.buttonTexts.append(b->text());
+        if (box->defaultButton())
+            seen.defaultButton = box->defaultButton()->text();
         QAbstractButton *press = nullptr;
         if (haveAnswer && answer.kind == Answer::Button)
             press = box->button(answer.button);
@@ -72,6 +78,9 @@ void ModalAnswerer::poll()
         }
     } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
         seen.kind = SeenModal::FileDialog;
+        seen.filter = dialog->selectedNameFilter();
+        if (auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+            seen.proposed = edit->text();
         if (haveAnswer && answer.kind == Answer::File && !answer.text.isEmpty()) {
             seen.answer = answer.text;
             dialog->selectFile(answer.text);

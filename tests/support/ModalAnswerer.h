@@ -4,6 +4,7 @@
 #include <QMessageBox>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 namespace zutest {
@@ -17,6 +18,11 @@ struct SeenModal
     QString text; ///< box text; empty for a dialog
     QMessageBox::Icon icon = QMessageBox::NoIcon; ///< box icon
     QMessageBox::StandardButtons buttons; ///< box buttons
+    QString informativeText; ///< box informative text
+    QStringList buttonTexts; ///< box buttons' texts, custom ones too, in the box's order
+    QString defaultButton; ///< text of the box's default button; empty if none
+    QString proposed; ///< dialog: the file name it offered, as its name field showed it
+    QString filter; ///< dialog: its selected name filter
     QString answer; ///< the button pressed or the file given
 };
 

@@ -35,8 +35,8 @@
  *
  * Views: Qt's item views call submit() when the current row changes or an
  * editor closes with Enter, and revert() when one closes with Escape. Put a
- * proxy between view and model that keeps those calls away when a batch of
- * edits should stay staged until the application submits it.
+ * ZuManualSubmitProxyModel directly under the view when a batch of edits
+ * should stay staged until the application submits or reverts it.
  *
  * Read-only state (readOnly()) is advice: itemIsEditable() and
  * ItemEditableRole obey it; flags(), setData() and row and column changes

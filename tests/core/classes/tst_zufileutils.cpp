@@ -1,5 +1,6 @@
 #include "support/CapturingAppender.h"
 #include "support/ModalAnswerer.h"
+#include "support/Unprivileged.h"
 #include "support/ZuTest.h"
 
 #include <zucore/ZuFileUtils.h>
@@ -40,29 +41,6 @@ const int fullDiskChild = [] {
         : ZuFileUtils::saveToTextFile(fileName, QString(64 * 1024, QLatin1Char('n')));
     _exit(saved ? 0 : 1);
 }();
-
-// Runs a scope as user and group "nobody" when the tests run as root, so that permissions hold;
-// the saved set-user-ID stays 0 to come back.
-class Unprivileged
-{
-public:
-    Unprivileged()
-        : m_wasRoot(geteuid() == 0)
-    {
-        if (m_wasRoot)
-            m_ok = setresgid(65534, 65534, 0) == 0 && setresuid(65534, 65534, 0) == 0;
-    }
-    ~Unprivileged()
-    {
-        if (m_wasRoot && (setresuid(0, 0, 0) != 0 || setresgid(0, 0, 0) != 0))
-            qFatal("cannot return to root");
-    }
-    bool ok() const { return m_ok; }
-
-private:
-    bool m_wasRoot;
-    bool m_ok = true;
-};
 
 } // namespace
 
@@ -267,7 +245,7 @@ void tst_ZuFileUtils::readOnlyFolder()
             bool saved = true;
             QString reason;
             {
-                Unprivileged user; // root could write into the read-only folder
+                zutest::Unprivileged user; // root could write into the read-only folder
                 QVERIFY(user.ok());
                 saved = binary ? ZuFileUtils::saveToBinaryFile(name, "new")
                                : ZuFileUtils::saveToTextFile(name, "new");
@@ -299,7 +277,7 @@ void tst_ZuFileUtils::readOnlyFileIsReplaced()
     QFile::setPermissions("open/readonly.txt", QFileDevice::ReadOwner | QFileDevice::ReadOther);
     zutest::ModalAnswerer answerer;
     {
-        Unprivileged user;
+        zutest::Unprivileged user;
         QVERIFY(user.ok());
         QVERIFY(!QFileInfo("open/readonly.txt").isWritable());
         QVERIFY(ZuFileUtils::saveToBinaryFile("open/readonly.txt", "new"));
