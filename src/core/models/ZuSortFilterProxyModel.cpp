@@ -28,24 +28,52 @@ public:
 
     // The compiled form of a pattern, made once and shared by every cell and
     // row of the filter passes that use it.
-    const QRegularExpression &compiled(const QString &pattern)
+    // A pattern compiled once, with its validity asked once: the question takes a lock.
+    struct Compiled
     {
+        QRegularExpression expression;
+        bool valid;
+    };
+
+    const Compiled &compiled(const QString &pattern)
+    {
+        // The patterns of a pass are shared copies of a few texts: their data pointer finds the
+        // expression without hashing the text for every cell.
+        for (const RecentPattern &recent : recentPatterns) {
+            if (recent.compiled && recent.data == pattern.constData()
+                && recent.size == pattern.size())
+                return *recent.compiled;
+        }
         auto it = compiledPatterns.constFind(pattern);
-        if (it == compiledPatterns.cend())
-            it = compiledPatterns.insert(
-                pattern, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption));
+        if (it == compiledPatterns.cend()) {
+            // An insertion may move the expressions held: forget where they were.
+            for (RecentPattern &recent : recentPatterns)
+                recent = RecentPattern();
+            const QRegularExpression expression(pattern, QRegularExpression::CaseInsensitiveOption);
+            it = compiledPatterns.insert(pattern, { expression, expression.isValid() });
+        }
+        recentPatterns[nextRecent] = { pattern.constData(), pattern.size(), &*it };
+        nextRecent = (nextRecent + 1) % RecentCount;
         return *it;
+    }
+    void forgetPatterns()
+    {
+        compiledPatterns.clear();
+        for (RecentPattern &recent : recentPatterns)
+            recent = RecentPattern();
     }
 
     bool matches(const QString &pattern, const QModelIndex &cell)
     {
-        const QRegularExpression &expression = compiled(pattern);
+        const Compiled &compiled = this->compiled(pattern);
         // An expression that doesn't compile matches nothing; asking QString
         // would also warn once per cell.
-        if (!expression.isValid())
+        if (!compiled.valid)
             return false;
         const QString text = cell.model()->data(cell, Qt::DisplayRole).toString();
-        return text.indexOf(expression, 0) != -1;
+        // A match anywhere, as text.indexOf(expression, 0) != -1 finds it, without QString's
+        // own validity check (a lock) for every cell.
+        return compiled.expression.match(text).hasMatch();
     }
 
     int selectionRoleColumn = 1;
@@ -60,7 +88,16 @@ public:
     QList<int> sortColumns;
     ZuSortFilterProxyModel *q;
 
-    QHash<QString, QRegularExpression> compiledPatterns;
+    QHash<QString, Compiled> compiledPatterns;
+    struct RecentPattern
+    {
+        const QChar *data = nullptr;
+        qsizetype size = 0;
+        const Compiled *compiled = nullptr;
+    };
+    static constexpr int RecentCount = 4;
+    RecentPattern recentPatterns[RecentCount];
+    int nextRecent = 0;
 
     // The sort columns changed since the last sort(): the same sort() must still re-sort.
     bool sortColumnsChanged = false;
@@ -373,7 +410,7 @@ void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
                 d->searchStrings.insert(column, text);
         }
     }
-    d->compiledPatterns.clear();
+    d->forgetPatterns();
     // Qt's invalidateFilter() removes and inserts every run of rows that leaves or enters on its
     // own, and rebuilds the whole mapping for each: quadratic when matches and misses alternate.
     // The mapping is rebuilt once instead (a layout change that keeps persistent indexes of the
@@ -404,7 +441,7 @@ void ZuSortFilterProxyModel::addFilterFixedString(int column, const QString &tex
         return;
     *it = text;
     // Patterns no longer in use would only pile up.
-    d->compiledPatterns.clear();
+    d->forgetPatterns();
 }
 
 QModelIndex ZuSortFilterProxyModel::matchValue(const QVariant &value, int column, int role) const
