@@ -1,3 +1,4 @@
+#include "ZuTableModelCommon_p.h"
 #include "compat/ZuVariantCompare.h"
 
 #include <zucore/Logger.h>
@@ -11,8 +12,6 @@ namespace {
 
 using Cell = QPair<QVariant, QVariant>;
 using Row = QList<Cell>;
-
-const int ItemHintAnswer = 13;
 
 // JSON has one number type: Qt's parser keeps integral numbers as qlonglong, but a
 // loaded table holds every number as a double, as JSON gives it.
@@ -80,18 +79,16 @@ QVariant ZuAbstractTableModel::data(const QModelIndex &index, int role) const
         cell = &modelRows.at(row).at(column);
 
     switch (role) {
-    case Qt::DisplayRole:
-        return data(index, Qt::EditRole);
     case Qt::EditRole:
         if (!cell)
             return QVariant();
         return previousOnEdit ? cell->second : cell->first;
     case ItemHintRole: {
-        if (data(index, ItemNoteRole).toString().isEmpty())
+        if (!ZuTableModelCommon::hasNote(*this, index))
             return QVariant();
         const int options = data(index, ItemOptionsRole).toInt();
         if (!(options & 1) || (options & 4))
-            return ItemHintAnswer;
+            return ZuTableModelCommon::ItemHintAnswer;
         return QVariant();
     }
     case ItemOptionsRole: {
@@ -102,25 +99,11 @@ QVariant ZuAbstractTableModel::data(const QModelIndex &index, int role) const
             options += 1;
         return options;
     }
-    case ItemEditableRole:
-        return itemIsEditable(index);
-    case ItemValidRole:
-        return itemIsValid(index);
-    case RowValidRole: {
-        const int columns = columnCount();
-        for (int c = 0; c < columns; ++c) {
-            if (!data(this->index(row, c), ItemValidRole).toBool())
-                return false;
-        }
-        return true;
-    }
-    case ItemEmptyTextRole:
-        return QStringLiteral("");
     case PreviousValueRole:
     case PreviousValueRole2:
         return cell ? cell->second : QVariant();
     default:
-        return QVariant();
+        return ZuTableModelCommon::commonRoleAnswer(*this, index, role);
     }
 }
 
@@ -208,11 +191,7 @@ bool ZuAbstractTableModel::removeRows(int row, int count, const QModelIndex &)
 
 Qt::ItemFlags ZuAbstractTableModel::flags(const QModelIndex &index) const
 {
-    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
-    if (!base)
-        return base;
-    // Every cell is editable to a view; the per-cell answer is ItemEditableRole.
-    return base | Qt::ItemIsEditable;
+    return ZuTableModelCommon::editableFlags(QAbstractTableModel::flags(index));
 }
 
 bool ZuAbstractTableModel::submit()
@@ -310,8 +289,7 @@ bool ZuAbstractTableModel::itemIsValid(const QModelIndex &) const
 
 QString ZuAbstractTableModel::itemInvalidReason(const QModelIndex &) const
 {
-    return QStringLiteral(
-        "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
+    return ZuTableModelCommon::defaultInvalidReason();
 }
 
 // --- export ----------------------------------------------------------------
