@@ -167,31 +167,8 @@ bool ZuAbstractTableModel::insertRows(int row, int count, const QModelIndex &)
     for (int c = 0; c < columns; ++c)
         fresh.append(Cell());
     const int at = qMin(row, modelRows.size());
-    if (at == modelRows.size()) {
-        // Only for a bulk insert: an exact reserve per single row would
-        // reallocate the list on every append.
-        if (count > 1)
-            modelRows.reserve(modelRows.size() + count);
-        for (int i = 0; i < count; ++i) {
-            modelRows.append(fresh);
-            // Each row owns its cells from the start, so a bulk load doesn't pay
-            // for a detach per row later on.
-            modelRows.last().detach();
-        }
-    } else {
-        // Build the new list in one pass instead of shifting the tail per row.
-        QList<Row> rows;
-        rows.reserve(modelRows.size() + count);
-        for (int i = 0; i < at; ++i)
-            rows.append(std::move(modelRows[i]));
-        for (int i = 0; i < count; ++i) {
-            rows.append(fresh);
-            rows.last().detach();
-        }
-        for (int i = at; i < modelRows.size(); ++i)
-            rows.append(std::move(modelRows[i]));
-        modelRows.swap(rows);
-    }
+    for (int i = 0; i < count; ++i)
+        modelRows.insert(at + i, fresh);
     endInsertRows();
     dirtyFlag = true;
     return true;
@@ -282,16 +259,19 @@ bool ZuAbstractTableModel::copy(const QModelIndex &from, const QModelIndex &to)
 {
     if (!from.isValid() || !to.isValid())
         return false;
+    // Indexes of another model or rows outside the table name no row here: refused before
+    // any signal, which would otherwise carry indexes that don't exist.
+    const int rows = qMin(rowCount(), modelRows.size());
+    if (from.model() != this || to.model() != this || from.row() >= rows || to.row() >= rows)
+        return false;
     const int source = from.row();
     const int target = to.row();
     const int columns = columnCount();
-    if (source < modelRows.size() && target < modelRows.size()) {
-        const Row cells = modelRows.at(source); // a copy: source and target may be one row
-        Row &targetCells = modelRows[target];
-        const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
-        for (int c = 0; c < n; ++c)
-            targetCells[c].first = cells.at(c).first;
-    }
+    const Row cells = modelRows.at(source); // a copy: source and target may be one row
+    Row &targetCells = modelRows[target];
+    const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
+    for (int c = 0; c < n; ++c)
+        targetCells[c].first = cells.at(c).first;
     if (columns > 0)
         emit dataChanged(index(target, 0), index(target, columns - 1), {});
     return true;
