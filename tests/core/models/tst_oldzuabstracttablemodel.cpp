@@ -23,7 +23,9 @@ public:
         : names(names)
     {
         fieldValues = QVariantList { 1, "n", true }.mid(0, names.size());
-        setParent(p), setObjectName("rec"), ++alive;
+        setParent(p);
+        setObjectName("rec");
+        ++alive;
         if (from)
             copy(*from);
     }
