@@ -5,16 +5,8 @@
 
 #include <zucore/ZuJsonDocumentFile.h>
 
-#include <QJsonObject>
-#include <QLockFile>
-#include <QPointer>
-#include <QProcess>
-#include <QSysInfo>
-
 #include <csignal>
 #include <cstdio>
-#include <functional>
-#include <memory>
 #include <sys/resource.h>
 
 namespace {
@@ -40,7 +32,6 @@ class Doc : public ZuJsonDocumentFile
 public:
     using ZuJsonDocumentFile::setFileExtension;
     using ZuJsonDocumentFile::setFileTypeName;
-    using Base = ZuJsonDocumentFile;
     mutable QString calls;
     QJsonObject data;
     bool accepts = true; // whether fromJsonDocument() takes a valid object
@@ -50,18 +41,18 @@ public:
 
     // clang-format off
     QString defaultFileName() const override { return calls += 'D', proposedName; }
-    void closeFile() override { calls += 'C', Base::closeFile(); }
-    bool saveFile(const QString &n = QString()) override { return calls += 'S', Base::saveFile(n); }
-    bool maybeSave() override { return calls += 'M', Base::maybeSave(); }
-    bool loadFromJsonFile(const QString &n, bool b, const QString &t) override { return calls += 'L', Base::loadFromJsonFile(n, b, t); }
-    bool saveToJsonFile(const QString &n, bool b) override { return calls += 'W', Base::saveToJsonFile(n, b); }
-    QString getOpenFileName() const override { return calls += 'O', Base::getOpenFileName(); }
-    QString getSaveFileName() const override { return calls += 'G', Base::getSaveFileName(); }
+    void closeFile() override { calls += 'C', ZuJsonDocumentFile::closeFile(); }
+    bool saveFile(const QString &n = QString()) override { return calls += 'S', ZuJsonDocumentFile::saveFile(n); }
+    bool maybeSave() override { return calls += 'M', ZuJsonDocumentFile::maybeSave(); }
+    bool loadFromJsonFile(const QString &n, bool b, const QString &t) override { return calls += 'L', ZuJsonDocumentFile::loadFromJsonFile(n, b, t); }
+    bool saveToJsonFile(const QString &n, bool b) override { return calls += 'W', ZuJsonDocumentFile::saveToJsonFile(n, b); }
+    QString getOpenFileName() const override { return calls += 'O', ZuJsonDocumentFile::getOpenFileName(); }
+    QString getSaveFileName() const override { return calls += 'G', ZuJsonDocumentFile::getSaveFileName(); }
     QJsonDocument toJsonDocument() override { return calls += 'T', QJsonDocument(data); }
     void clearData() override { calls += 'X', data = QJsonObject(); }
-    bool lock(const QString &n, bool r) override { return calls += 'K', Base::lock(n, r); }
+    bool lock(const QString &n, bool r) override { return calls += 'K', ZuJsonDocumentFile::lock(n, r); }
     int lockRetry(const QString &n, const QString &m, bool r) const override
-    { return calls += 'R', retryAnswer ? retryAnswer() : Base::lockRetry(n, m, r); }
+    { return calls += 'R', retryAnswer ? retryAnswer() : ZuJsonDocumentFile::lockRetry(n, m, r); }
     // clang-format on
     bool fromJsonDocument(const QJsonDocument &document) override
     {
@@ -73,19 +64,6 @@ public:
         return accepts && document.isObject();
     }
 };
-
-// The test binary, started again, holds a lock file until its standard input closes.
-bool holdLock(QProcess &child, const QString &lockFileName)
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ZU_TEST_HOLD_LOCK", QDir::current().absoluteFilePath(lockFileName));
-    child.setProcessEnvironment(environment);
-    child.start(QCoreApplication::applicationFilePath(), QStringList());
-    QByteArray output;
-    while (!output.contains("locked\n") && child.waitForReadyRead(10000))
-        output += child.readAllStandardOutput();
-    return output.contains("locked\n");
-}
 
 // A box as "title|icon|buttons|informative text|text", a file dialog as "title|name|filter".
 const QString warning
@@ -187,11 +165,10 @@ private Q_SLOTS:
             QVERIFY(entry.isDir() ? QDir(entry.filePath()).removeRecursively()
                                   : QFile::remove(entry.filePath()));
         QVERIFY(QDir().mkpath("folder.json") && QDir().mkpath("sub"));
-        writeFile("a.json", "{\"v\": \"a\"}");
-        writeFile("b.json", "{\"v\": \"b\"}");
-        writeFile("empty.json", "");
-        writeFile("broken.json", "{ nope");
-        writeFile("plain.txt", "plain");
+        for (const QString &file :
+             QStringList { "a.json={\"v\": \"a\"}", "b.json={\"v\": \"b\"}",
+                           "empty.json=", "broken.json={ nope", "plain.txt=plain" })
+            writeFile(file.section('=', 0, 0), file.section('=', 1).toUtf8());
     }
 
     void scenarios_data()
@@ -224,8 +201,17 @@ private Q_SLOTS:
             doc.onLoad = [&doc] { doc.dataWasModified(); };
         doc.accepts = !has("refuse");
         QProcess child;
-        if (r.setup.contains("held="))
-            QVERIFY(holdLock(child, r.setup.section("held=", 1).section(',', 0, 0)));
+        if (r.setup.contains("held=")) { // the test binary, started again, holds the lock
+            qputenv(
+                "ZU_TEST_HOLD_LOCK",
+                QDir().absoluteFilePath(r.setup.section("held=", 1).section(',', 0, 0)).toUtf8());
+            child.start(QCoreApplication::applicationFilePath(), QStringList());
+            qunsetenv("ZU_TEST_HOLD_LOCK");
+            QByteArray output;
+            while (!output.contains("locked\n") && child.waitForReadyRead(10000))
+                output += child.readAllStandardOutput();
+            QVERIFY(output.contains("locked\n"));
+        }
         if (has("killed"))
             child.close(); // killed: its lock file stays behind
         int asked = 0;
@@ -234,10 +220,8 @@ private Q_SLOTS:
             doc.retryAnswer = [&] {
                 doc.dataWasModified();
                 ignored = ignored && !doc.isModified();
-                if (++asked == 3) {
-                    child.closeWriteChannel();
-                    child.waitForFinished(10000);
-                }
+                if (++asked == 3) // the other process gives the lock up
+                    child.closeWriteChannel(), child.waitForFinished(10000);
                 return 2;
             };
         doc.calls.clear();
