@@ -125,7 +125,11 @@ case "$mode" in
       [ -x "$f" ] || continue
       log "fuzzing $(basename "$f") for ${seconds}s"
       mkdir -p "$root/build/fuzz/corpus/$(basename "$f")"
-      "$f" -max_total_time="$seconds" -print_final_stats=0 "$root/build/fuzz/corpus/$(basename "$f")" 2>&1 | tail -3
+      # fuzz/seeds/<target> holds inputs that once broke a parser; the corpus grows in build/.
+      seeds=()
+      [ -d "$root/fuzz/seeds/$(basename "$f")" ] && seeds=("$root/fuzz/seeds/$(basename "$f")")
+      "$f" -max_total_time="$seconds" -print_final_stats=0 "$root/build/fuzz/corpus/$(basename "$f")" \
+        ${seeds[@]+"${seeds[@]}"} 2>&1 | tail -3
     done
     ;;
 esac

@@ -140,8 +140,90 @@ void format_default_pattern_peer(benchmark::State &state)
         state.SkipWithError("unexpected line");
 }
 
+// A LOG_DEBUG with two streamed values while the only appender takes Warning and up, against
+// spdlog's statement below its logger's level. Ours must not even evaluate the values.
+void logger_disabled_statement_ours(benchmark::State &state)
+{
+    auto *appender = new FormatOnly;
+    appender->setDetailsLevel(Logger::Warning);
+    cuteLoggerInstance()->registerAppender(appender);
+    LOG_WARNING("settles the level"); // the first statement after a change works it out
+    const QString text = QStringLiteral("value");
+    int evaluated = 0;
+    for (auto _ : state)
+        LOG_DEBUG() << text << ++evaluated;
+    cuteLoggerInstance()->removeAppender(appender);
+    delete appender;
+    if (evaluated != 0)
+        state.SkipWithError("a skipped statement evaluated its arguments");
+}
+
+void logger_disabled_statement_peer(benchmark::State &state)
+{
+    spdlog::logger logger("disabled",
+                          std::make_shared<spdlog::sinks::basic_file_sink_mt>("peer_disabled.log"));
+    logger.set_level(spdlog::level::warn);
+    const std::string text = "value";
+    int evaluated = 0;
+    for (auto _ : state)
+        logger.debug("{} {}", text, ++evaluated);
+    benchmark::DoNotOptimize(evaluated);
+}
+
+// Applications log from many places: records come from eight call sites in turn.
+template<int Site> void ourSite()
+{
+    LOG_INFO(QStringLiteral("a short message"));
+}
+
+template<int Site> void peerSite(spdlog::logger &logger)
+{
+    logger.log(spdlog::source_loc { __FILE__, __LINE__, SPDLOG_FUNCTION }, spdlog::level::info,
+               "a short message");
+}
+
+void logger_file_record_sites_ours(benchmark::State &state)
+{
+    const QString fileName = QStringLiteral("ours_sites.log");
+    QFile::remove(fileName);
+    auto *appender = new LoggerFileAppender(fileName);
+    appender->setFormat(QLatin1String(ourPattern) + QLatin1Char('\n'));
+    cuteLoggerInstance()->registerAppender(appender);
+    void (*const sites[])() = { ourSite<0>, ourSite<1>, ourSite<2>, ourSite<3>,
+                                ourSite<4>, ourSite<5>, ourSite<6>, ourSite<7> };
+    size_t next = 0;
+    for (auto _ : state)
+        sites[next++ % 8]();
+    cuteLoggerInstance()->removeAppender(appender);
+    delete appender;
+    checkLog(state, fileName, "[Info   ] <{anonymous}::ourSite> a short message");
+}
+
+void logger_file_record_sites_peer(benchmark::State &state)
+{
+    const QString fileName = QStringLiteral("peer_sites.log");
+    QFile::remove(fileName);
+    {
+        auto sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(fileName.toStdString());
+        spdlog::logger logger("sites", sink);
+        logger.set_pattern(spdlogPattern);
+        logger.flush_on(spdlog::level::trace);
+        void (*const sites[])(spdlog::logger &)
+            = { peerSite<0>, peerSite<1>, peerSite<2>, peerSite<3>,
+                peerSite<4>, peerSite<5>, peerSite<6>, peerSite<7> };
+        size_t next = 0;
+        for (auto _ : state)
+            sites[next++ % 8](logger);
+    }
+    checkLog(state, fileName, "<peerSite> a short message");
+}
+
 } // namespace
 
+BENCHMARK(logger_disabled_statement_ours)->Name("logger_disabled_statement/ours");
+BENCHMARK(logger_disabled_statement_peer)->Name("logger_disabled_statement/peer");
+BENCHMARK(logger_file_record_sites_ours)->Name("logger_file_record_sites/ours");
+BENCHMARK(logger_file_record_sites_peer)->Name("logger_file_record_sites/peer");
 BENCHMARK(logger_file_record_ours)->Name("logger_file_record/ours");
 BENCHMARK(logger_file_record_peer)->Name("logger_file_record/peer");
 BENCHMARK(logger_file_floor_ours)->Name("logger_file_floor/ours");

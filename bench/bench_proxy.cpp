@@ -5,6 +5,7 @@
 
 #include <zucore/ZuSortFilterProxyModel.h>
 
+#include <QAbstractTableModel>
 #include <QCollator>
 #include <QRandomGenerator>
 #include <QRegularExpression>
@@ -302,8 +303,265 @@ void proxy_search_100k_peer(benchmark::State &state)
         state.SkipWithError("nothing matched");
 }
 
+// An edit of the second sort column in a sorted and filtered 100 000-row view, against the
+// plain proxy re-placing a row after an edit of its one sort column. Each pass gives one
+// accepted row a new number.
+template<typename Proxy> void editResort(benchmark::State &state, Proxy &proxy, int editedColumn)
+{
+    QStandardItemModel &source = table();
+    const QRegularExpression kept(QStringLiteral("user[0-3]"));
+    QVector<int> rows;
+    for (int r = 0; r < source.rowCount(); ++r)
+        if (source.item(r, 6)->text().contains(kept))
+            rows << r;
+    proxy.rowCount();
+    QRandomGenerator random(11);
+    for (auto _ : state) {
+        const int row = rows.at(random.bounded(rows.size()));
+        source.item(row, editedColumn)->setText(QString::number(random.bounded(1000000)));
+    }
+    if (proxy.rowCount() != rows.size())
+        state.SkipWithError("rows lost");
+}
+
+void proxy_edit_resort_100k_ours(benchmark::State &state)
+{
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    proxy.setSortColumns({ 4, 2 });
+    proxy.addFilterKeyColumn(6);
+    proxy.addFilterFixedString(6, QStringLiteral("user[0-3]"));
+    proxy.invalidate();
+    proxy.sort(4);
+    editResort(state, proxy, 2);
+    if (!sortedByTwo(proxy))
+        state.SkipWithError("an edited row is out of place");
+}
+
+void proxy_edit_resort_100k_peer(benchmark::State &state)
+{
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&table());
+    proxy.setFilterKeyColumn(6);
+    proxy.setFilterRegularExpression(QStringLiteral("user[0-3]"));
+    proxy.sort(2);
+    editResort(state, proxy, 2);
+}
+
+// A million rows of two columns, file names and a status word, held as plain texts so that
+// the model itself costs little next to the proxy. Every other row holds "open".
+class BigTable : public QAbstractTableModel
+{
+public:
+    explicit BigTable(int rows)
+    {
+        QRandomGenerator random(5);
+        names.reserve(rows);
+        for (int r = 0; r < rows; ++r)
+            names << fileName(random);
+    }
+    int rowCount(const QModelIndex &parent = QModelIndex()) const override
+    {
+        return parent.isValid() ? 0 : names.size();
+    }
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override
+    {
+        return parent.isValid() ? 0 : 2;
+    }
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override
+    {
+        if (role != Qt::DisplayRole || !index.isValid())
+            return QVariant();
+        if (index.column() == 0)
+            return names.at(index.row());
+        return index.row() % 2 ? QStringLiteral("open") : QStringLiteral("closed");
+    }
+    QVector<QString> names;
+};
+
+BigTable &bigTable(int rows)
+{
+    static std::unique_ptr<BigTable> model;
+    if (!model || model->names.size() != rows)
+        model = std::make_unique<BigTable>(rows);
+    return *model;
+}
+
+int millionRows()
+{
+    return smoke() ? 20000 : 1000000;
+}
+
+QVector<QString> proxyColumn(const QAbstractItemModel &proxy, int column)
+{
+    QVector<QString> texts;
+    texts.reserve(proxy.rowCount());
+    for (int r = 0; r < proxy.rowCount(); ++r)
+        texts << proxy.index(r, column).data().toString();
+    return texts;
+}
+
+// Ours sorting a million rows by its sort column list, against sorting the same texts directly
+// with the same comparison: what the proxy adds to the comparisons themselves.
+void proxy_sort_1M_ours(benchmark::State &state)
+{
+    BigTable &source = bigTable(millionRows());
+    ZuSortFilterProxyModel proxy;
+    proxy.setSourceModel(&source);
+    proxy.setSortColumns({ 0 });
+    proxy.rowCount();
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(0);
+    }
+    QVector<QString> plain = source.names;
+    std::stable_sort(plain.begin(), plain.end(), [](const QString &a, const QString &b) {
+        return ZuPlatform::naturalCompare(a, b) < 0;
+    });
+    if (proxyColumn(proxy, 0) != plain)
+        state.SkipWithError("the proxy's order is not the plain one");
+}
+
+void proxy_sort_1M_peer(benchmark::State &state)
+{
+    const QVector<QString> &texts = bigTable(millionRows()).names;
+    for (auto _ : state) {
+        state.PauseTiming();
+        QVector<QString> copy = texts;
+        copy.detach();
+        state.ResumeTiming();
+        std::sort(copy.begin(), copy.end(), [](const QString &a, const QString &b) {
+            return ZuPlatform::naturalCompare(a, b) < 0;
+        });
+        benchmark::DoNotOptimize(copy.data());
+    }
+}
+
+void proxy_sort_1M_qsfpm_ours(benchmark::State &state)
+{
+    proxy_sort_1M_ours(state);
+}
+
+// The plain proxy ordering by QCollator in numeric mode, the natural order Qt offers.
+class CollatingProxy : public QSortFilterProxyModel
+{
+protected:
+    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override
+    {
+        return collator().compare(left.data().toString(), right.data().toString()) < 0;
+    }
+};
+
+void proxy_sort_1M_qsfpm_peer(benchmark::State &state)
+{
+    CollatingProxy proxy;
+    proxy.setSourceModel(&bigTable(millionRows()));
+    proxy.rowCount();
+    for (auto _ : state) {
+        state.PauseTiming();
+        proxy.sort(-1);
+        state.ResumeTiming();
+        proxy.sort(0);
+    }
+}
+
+// A search over a filled, unsorted proxy that keeps every other row: Qt's own filter change
+// removes the rows run by run. Each pass starts from a freshly filled proxy.
+template<typename Proxy, typename Search>
+void searchFilled(benchmark::State &state, int rows, bool filledFirst, Search search)
+{
+    BigTable &source = bigTable(rows);
+    int kept = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto proxy = std::make_unique<Proxy>();
+        proxy->setSourceModel(&source);
+        if (filledFirst)
+            proxy->rowCount();
+        state.ResumeTiming();
+        search(*proxy);
+        kept = proxy->rowCount(); // what a view reads first
+        state.PauseTiming();
+        proxy.reset();
+        state.ResumeTiming();
+    }
+    if (kept != rows / 2)
+        state.SkipWithError("the search kept the wrong rows");
+}
+
+void searchOurs(ZuSortFilterProxyModel &proxy)
+{
+    proxy.setSearchString(QStringLiteral("^open$"));
+}
+
+void searchPeer(QSortFilterProxyModel &proxy)
+{
+    proxy.setFilterKeyColumn(-1);
+    proxy.setFilterRegularExpression(
+        QRegularExpression(QStringLiteral("^open$"), QRegularExpression::CaseInsensitiveOption));
+}
+
+void proxy_search_1M_ours(benchmark::State &state)
+{
+    searchFilled<ZuSortFilterProxyModel>(state, millionRows(), true, searchOurs);
+}
+
+void proxy_search_1M_peer(benchmark::State &state)
+{
+    searchFilled<QSortFilterProxyModel>(state, millionRows(), true, searchPeer);
+}
+
+// The same search given before any view has read the proxy.
+void proxy_search_new_view_100k_ours(benchmark::State &state)
+{
+    searchFilled<ZuSortFilterProxyModel>(state, smoke() ? 5000 : 100000, false, searchOurs);
+}
+
+void proxy_search_new_view_100k_peer(benchmark::State &state)
+{
+    searchFilled<QSortFilterProxyModel>(state, smoke() ? 5000 : 100000, false, searchPeer);
+}
+
 } // namespace
 
+BENCHMARK(proxy_sort_1M_ours)
+    ->Name("proxy_sort_1M/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_peer)
+    ->Name("proxy_sort_1M/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_qsfpm_ours)
+    ->Name("proxy_sort_1M_qsfpm/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_sort_1M_qsfpm_peer)
+    ->Name("proxy_sort_1M_qsfpm/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_1M_ours)
+    ->Name("proxy_search_1M/ours")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_1M_peer)
+    ->Name("proxy_search_1M/peer")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+BENCHMARK(proxy_search_new_view_100k_ours)
+    ->Name("proxy_search_new_view_100k/ours")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_search_new_view_100k_peer)
+    ->Name("proxy_search_new_view_100k/peer")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(proxy_edit_resort_100k_ours)
+    ->Name("proxy_edit_resort_100k/ours")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(proxy_edit_resort_100k_peer)
+    ->Name("proxy_edit_resort_100k/peer")
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(natural_compare_ours)->Name("natural_compare/ours")->Unit(benchmark::kMicrosecond);
 BENCHMARK(natural_compare_peer)->Name("natural_compare/peer")->Unit(benchmark::kMicrosecond);
 BENCHMARK(proxy_sort_100k_ours)->Name("proxy_sort_100k/ours")->Unit(benchmark::kMillisecond);

@@ -3,6 +3,7 @@
 #include "CustomerDocument.h"
 #include "CustomerModel.h"
 
+#include <zucore/ZuManualSubmitProxyModel.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QAction>
@@ -29,12 +30,12 @@ DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget
     m_proxy->setSourceModel(m_model);
     m_proxy->setSortColumns({ CustomerModel::City, CustomerModel::Name });
     m_proxy->sort(CustomerModel::City);
-    m_view->setModel(m_proxy);
-    // Item views submit their model whenever the current row changes; here a
-    // batch of edits stays staged until the Submit button. (A proxy between
-    // view and model forwards that submit too: disconnect it from the proxy.)
-    disconnect(m_view->selectionModel(), SIGNAL(currentRowChanged(QModelIndex, QModelIndex)),
-               m_view->model(), SLOT(submit()));
+    // Item views submit their model when the current row changes or an editor
+    // closes with Enter, and revert it on Escape. Under the manual-submit proxy
+    // a batch of edits stays staged until the Submit or Revert action.
+    auto *manual = new ZuManualSubmitProxyModel(this);
+    manual->setSourceModel(m_proxy);
+    m_view->setModel(manual);
     m_view->horizontalHeader()->setStretchLastSection(true);
 
     // The search text is a case-insensitive regular expression over every column.
@@ -52,8 +53,8 @@ DemoWindow::DemoWindow(CustomerModel *model, CustomerDocument *document, QWidget
         = new QAction(QIcon(QStringLiteral(":/images/revert")), QStringLiteral("&Revert"), this);
     auto *clear = new QAction(QIcon(QStringLiteral(":/images/clear")),
                               QStringLiteral("&Clear search"), this);
-    connect(submit, &QAction::triggered, m_model, &CustomerModel::submit);
-    connect(revert, &QAction::triggered, m_model, &CustomerModel::revert);
+    connect(submit, &QAction::triggered, manual, &ZuManualSubmitProxyModel::submitAll);
+    connect(revert, &QAction::triggered, manual, &ZuManualSubmitProxyModel::revertAll);
     connect(clear, &QAction::triggered, search, &QLineEdit::clear);
 
     auto *menuBar = new QMenuBar(this);

@@ -46,6 +46,7 @@ Q_FLAG_NS(ModelOptions)
 
 /// @name Settings and formats
 /// @{
+
 /// The name of the settings ini file; empty (the default) means the platform's settings.
 ZUCORE_EXPORT QString settingsIniFileName();
 /// Replaces the settings ini file name, unchecked.
@@ -62,6 +63,7 @@ ZUCORE_EXPORT void setDateTimeFormat(const QString &format);
 
 /// @name Null dates
 /// @{
+
 /// A default-constructed (null, invalid) date.
 ZUCORE_EXPORT QDate nullDate();
 /// A default-constructed (null, invalid) date-time.
@@ -74,6 +76,7 @@ ZUCORE_EXPORT bool isNullDateTime(const QDateTime &dateTime);
 
 /// @name Display strings (process-wide formats)
 /// @{
+
 /// Parses @p text with dateFormat(); the null date when it doesn't fit.
 ZUCORE_EXPORT QDate dateFromString(const QString &text);
 /// Parses @p text with dateTimeFormat(); an invalid date-time when it doesn't fit.
@@ -86,6 +89,7 @@ ZUCORE_EXPORT QString dateTimeToString(const QDateTime &dateTime);
 
 /// @name Stored strings (fixed formats)
 /// @{
+
 /// @p date as "yyyy-MM-dd"; empty for an invalid date.
 ZUCORE_EXPORT QString dateToMySqlString(const QDate &date);
 /// @p dateTime as "yyyy-MM-dd hh:mm:ss"; empty for an invalid date-time.
@@ -105,6 +109,7 @@ ZUCORE_EXPORT QDateTime fromDateTimeString(const QVariant &value);
 
 /// @name Days of the week (Qt: Monday = 1 .. Sunday = 7; MySQL: Sunday = 1 .. Saturday = 7)
 /// @{
+
 /// The MySQL number of a Qt day number; 0 outside 1..7.
 ZUCORE_EXPORT int dayOfWeekQtToMySql(int qtDay);
 /// The Qt number of a MySQL day number; 0 outside 1..7.
@@ -117,6 +122,7 @@ ZUCORE_EXPORT QString mySqlDayOfWeek(int mySqlDay);
 
 /// @name Strings and lists
 /// @{
+
 /// @p field with every single quote doubled, for a quoted SQL literal.
 ZUCORE_EXPORT QString escapeField(const QString &field);
 /// U+2713 CHECK MARK.
@@ -146,6 +152,7 @@ ZUCORE_EXPORT QString md5(const QString &text);
 
 /// @name JSON strings
 /// @{
+
 /// @p object as compact JSON text.
 ZUCORE_EXPORT QString stringFromJsonObj(const QJsonObject &object);
 /**

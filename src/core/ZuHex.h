@@ -22,6 +22,7 @@ namespace ZuHex {
 
 /// @name Numbers and raw bytes
 /// @{
+
 /// 4 bytes, least significant first.
 ZUCORE_EXPORT QByteArray UintToBuffer(const uint &value);
 /// 2 bytes, least significant first.
@@ -50,6 +51,7 @@ ZUCORE_EXPORT QByteArray ReverseBytes(const QByteArray &buffer);
 
 /// @name Hexadecimal text
 /// @{
+
 /// The value of one hex digit (either case); 0 for anything else.
 ZUCORE_EXPORT int AsciiVal(char digit);
 /// @p high as the upper and @p low as the lower 4 bits; a non-digit (or code >= 256) counts 0.
@@ -75,6 +77,7 @@ ZUCORE_EXPORT QString LeIntToBeHex(uint value);
 
 /// @name Bits (most significant bit of each byte first)
 /// @{
+
 /// 8 bits per byte; bit 8n is the top bit of byte n. Empty for an empty array.
 ZUCORE_EXPORT QBitArray BytesToBits(const QByteArray &bytes);
 /// The reverse of BytesToBits(); a last partial byte has its remaining low bits clear.

@@ -1,4 +1,5 @@
 #include "logger/LoggerLocks_p.h"
+#include "logger/LoggerStatementGate_p.h"
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerAbstractAppender.h>
@@ -45,6 +46,34 @@ void printToStderr(const QByteArray &line)
     std::fflush(stderr);
 }
 
+// How deep this thread is inside an appender (or the clean-up of the global instance). A record
+// raised there, by a QFile warning or an application's appender that logs, would wait for a
+// logger mutex that this very thread holds: it goes straight to standard error instead.
+thread_local int appenderDepth = 0;
+
+struct AppenderScope
+{
+    AppenderScope() { ++appenderDepth; }
+    ~AppenderScope() { --appenderDepth; }
+    Q_DISABLE_COPY(AppenderScope)
+};
+
+QString fallbackLine(Logger::LogLevel level, const char *function, const QString &message)
+{
+    return QStringLiteral("[%1] <%2> %3")
+        .arg(Logger::levelToString(level), -7)
+        .arg(LoggerAbstractStringAppender::stripFunctionName(function))
+        .arg(message);
+}
+
+// A record raised from inside an appender on this thread: printed, never handed to appenders.
+void writeReentrant(Logger::LogLevel level, const char *function, const QString &message)
+{
+    printToStderr(fallbackLine(level, function, message).toLocal8Bit());
+    if (level == Logger::Fatal)
+        std::abort();
+}
+
 void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
                             const QString &message)
 {
@@ -65,6 +94,10 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
     default:
         level = Logger::Debug;
         break;
+    }
+    if (appenderDepth > 0) {
+        writeReentrant(level, context.function, message);
+        return;
     }
     const bool isDefaultCategory
         = QString::fromLatin1(context.category) == QLatin1String("default");
@@ -91,11 +124,54 @@ QDateTime currentTimeStamp()
 void cleanupLoggerGlobalInstance()
 {
     ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
+    // An appender's destructor that raises a Qt message must not ask for this lock again.
+    AppenderScope scope;
     delete globalInstancePtr;
     globalInstancePtr = nullptr;
+    // The next statement makes a fresh global logger.
+    LoggerStatementGate::invalidate();
 }
 
 } // namespace
+
+// The low byte is the lowest level that a statement may need (0, Trace, lets everything pass);
+// DirtyBit asks the global logger to work it out again; the bits above count the changes, so
+// that an answer worked out while another change came in is not stored.
+std::atomic<int> Logger::s_statementState { 0 };
+
+namespace {
+constexpr int LevelMask = 0xff;
+constexpr int DirtyBit = 0x100;
+constexpr int Generation = 0x200;
+} // namespace
+
+void LoggerStatementGate::invalidate() noexcept
+{
+    int state = Logger::s_statementState.load(std::memory_order_relaxed);
+    while (!Logger::s_statementState.compare_exchange_weak(
+        state, ((state + Generation) & ~LevelMask) | DirtyBit, std::memory_order_acq_rel)) { }
+}
+
+void LoggerStatementGate::update(const LoggerPrivate *global)
+{
+    const int state = Logger::s_statementState.load(std::memory_order_acquire);
+    if (!(state & DirtyBit))
+        return;
+    // Without main appenders a record still goes to standard error: every statement counts.
+    int lowest = Logger::Trace;
+    if (!global->appenders.isEmpty()) {
+        lowest = Logger::Fatal; // a fatal statement always ends the process
+        for (const LoggerAbstractAppender *appender : qAsConst(global->appenders))
+            lowest = qMin(lowest, int(appender->detailsLevel()));
+        for (auto it = global->categoryAppenders.cbegin(); it != global->categoryAppenders.cend();
+             ++it)
+            lowest = qMin(lowest, int(it.value()->detailsLevel()));
+        lowest = qMax(lowest, int(Logger::Trace));
+    }
+    int expected = state;
+    Logger::s_statementState.compare_exchange_strong(
+        expected, (state & ~(LevelMask | DirtyBit)) | lowest, std::memory_order_acq_rel);
+}
 
 Logger::Logger()
     : d(new LoggerPrivate)
@@ -112,6 +188,7 @@ Logger::~Logger()
 {
     {
         ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+        AppenderScope scope;
         QSet<LoggerAbstractAppender *> owned;
         for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
             owned.insert(appender);
@@ -180,6 +257,7 @@ Logger::LogLevel Logger::levelFromString(const QString &s)
 void Logger::registerAppender(LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     if (!d->appenders.contains(appender))
         d->appenders.append(appender);
     else
@@ -189,6 +267,7 @@ void Logger::registerAppender(LoggerAbstractAppender *appender)
 void Logger::registerCategoryAppender(const QString &category, LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     if (!d->categoryAppenders.values().contains(appender))
         d->categoryAppenders.insert(category, appender);
     else
@@ -198,6 +277,7 @@ void Logger::registerCategoryAppender(const QString &category, LoggerAbstractApp
 void Logger::removeAppender(LoggerAbstractAppender *appender)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     d->appenders.removeAll(appender);
     for (auto it = d->categoryAppenders.begin(); it != d->categoryAppenders.end();) {
         if (it.value() == appender)
@@ -221,6 +301,7 @@ void Logger::logToGlobalInstance(const QString &category, bool logToGlobal)
 void Logger::setDefaultCategory(const QString &category)
 {
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
+    LoggerStatementGate::invalidate();
     d->defaultCategory = category;
 }
 
@@ -245,6 +326,12 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                    int line, const char *function, const char *category, const QString &message,
                    bool fromLocalInstance)
 {
+    if (appenderDepth > 0) {
+        // A local logger passes its records on outside of any appender, so this is a record
+        // raised by an appender of this thread: its logger's mutex is taken.
+        writeReentrant(logLevel, function, message);
+        return;
+    }
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
 
     QString logCategory = QString::fromLatin1(category);
@@ -266,6 +353,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                 d->noAppendersCategories.append(logCategory);
             }
         } else {
+            AppenderScope scope;
             for (LoggerAbstractAppender *appender : appenders)
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;
@@ -277,6 +365,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
             if (!noAppendersWarningPrinted.exchange(true))
                 printToStderr("No appenders registered with logger");
         } else {
+            AppenderScope scope;
             for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;
@@ -296,12 +385,11 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
     }
 
     if (!wasWritten && !fromLocalInstance) {
-        const QString fallback = QStringLiteral("[%1] <%2> %3")
-                                     .arg(levelToString(logLevel), -7)
-                                     .arg(LoggerAbstractStringAppender::stripFunctionName(function))
-                                     .arg(message);
-        printToStderr(fallback.toLocal8Bit());
+        printToStderr(fallbackLine(logLevel, function, message).toLocal8Bit());
     }
+
+    if (isGlobalInstance)
+        LoggerStatementGate::update(d);
 
     if (logLevel == Logger::Fatal)
         std::abort();

@@ -7,6 +7,8 @@
 #include <QElapsedTimer>
 #include <QString>
 
+#include <atomic>
+
 class LoggerAbstractAppender;
 struct LoggerPrivate;
 
@@ -120,7 +122,25 @@ public:
     /// Writes "ASSERT: \"condition\"" at Logger::Fatal and so ends the process.
     void writeAssert(const char *file, int line, const char *function, const char *condition);
 
+    /**
+     * Whether a log statement at @p level can have any effect: false only when the global logger
+     * exists, has main appenders, and no appender registered with it takes @p level. The LOG_*
+     * macros ask this first and then neither build the statement nor evaluate what it streams.
+     * Cheap (one atomic read) and conservative: true whenever in doubt, such as before the first
+     * statement (which creates the global logger), while no main appender is registered (the
+     * record goes to standard error) and for Logger::Fatal. A change of appenders or details
+     * levels counts from the next statement on, in any thread.
+     */
+    static bool isEnabledFor(LogLevel level) noexcept
+    {
+        return int(level) >= (s_statementState.load(std::memory_order_acquire) & 0xff);
+    }
+
 private:
+    friend struct LoggerStatementGate;
+    // Lowest level that a LOG_* statement may need (low byte), whether it must be worked out
+    // again, and a generation that tells a stale answer from a fresh one.
+    static std::atomic<int> s_statementState;
     LoggerPrivate *d;
 };
 
@@ -215,28 +235,15 @@ private:
  * The log statements of the six levels: a temporary CuteMessageLogger on the global logger with
  * the statement's file, line and function and a null category. Use them as
  * LOG_INFO() << a << b; (QDebug streaming), LOG_INFO("format %d", n); or LOG_INFO(text);
+ * A statement whose level no appender takes (Logger::isEnabledFor()) is skipped whole, like Qt's
+ * category macros: what it streams is not evaluated. Each is one statement, safe in an if/else.
  */
-#define LOG_TRACE                                                                                  \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Trace, __FILE__, __LINE__, Q_FUNC_INFO,        \
-                      nullptr)                                                                     \
-        .write
-#define LOG_DEBUG                                                                                  \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Debug, __FILE__, __LINE__, Q_FUNC_INFO,        \
-                      nullptr)                                                                     \
-        .write
-#define LOG_INFO                                                                                   \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Info, __FILE__, __LINE__, Q_FUNC_INFO,         \
-                      nullptr)                                                                     \
-        .write
-#define LOG_WARNING                                                                                \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Warning, __FILE__, __LINE__, Q_FUNC_INFO,      \
-                      nullptr)                                                                     \
-        .write
-#define LOG_ERROR                                                                                  \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Error, __FILE__, __LINE__, Q_FUNC_INFO,        \
-                      nullptr)                                                                     \
-        .write
-#define LOG_FATAL                                                                                  \
-    CuteMessageLogger(cuteLoggerInstance(), Logger::Fatal, __FILE__, __LINE__, Q_FUNC_INFO,        \
-                      nullptr)                                                                     \
-        .write
+#define ZU_LOG_STATEMENT(level)                                                                    \
+    for (bool zuLogEnabled = Logger::isEnabledFor(level); zuLogEnabled; zuLogEnabled = false)      \
+    CuteMessageLogger(cuteLoggerInstance(), level, __FILE__, __LINE__, Q_FUNC_INFO, nullptr).write
+#define LOG_TRACE ZU_LOG_STATEMENT(Logger::Trace)
+#define LOG_DEBUG ZU_LOG_STATEMENT(Logger::Debug)
+#define LOG_INFO ZU_LOG_STATEMENT(Logger::Info)
+#define LOG_WARNING ZU_LOG_STATEMENT(Logger::Warning)
+#define LOG_ERROR ZU_LOG_STATEMENT(Logger::Error)
+#define LOG_FATAL ZU_LOG_STATEMENT(Logger::Fatal)

@@ -1,4 +1,5 @@
 #include "logger/LoggerLocks_p.h"
+#include "logger/LoggerStatementGate_p.h"
 
 #include <zucore/LoggerAbstractAppender.h>
 
@@ -16,8 +17,12 @@ Logger::LogLevel LoggerAbstractAppender::detailsLevel() const
 
 void LoggerAbstractAppender::setDetailsLevel(Logger::LogLevel level)
 {
-    ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
-    m_detailsLevel = level;
+    {
+        ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
+        m_detailsLevel = level;
+    }
+    // Statements that were skipped may be wanted now.
+    LoggerStatementGate::invalidate();
 }
 
 void LoggerAbstractAppender::setDetailsLevel(const QString &level)

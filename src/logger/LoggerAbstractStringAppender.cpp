@@ -165,7 +165,8 @@ void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *f
 void padField(QString &result, int start, int fieldWidth)
 {
     const int length = result.size() - start;
-    const int padding = qMin(qAbs(fieldWidth), maxFieldWidth) - length;
+    // In 64 bits: the magnitude of INT_MIN has no int.
+    const int padding = int(qMin(qAbs(qint64(fieldWidth)), qint64(maxFieldWidth))) - length;
     if (padding <= 0)
         return;
     result.resize(result.size() + padding);

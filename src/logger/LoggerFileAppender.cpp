@@ -60,7 +60,8 @@ void LoggerFileAppender::closeFile()
 
 bool LoggerFileAppender::reopenFile()
 {
-    closeFile();
+    ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
+    m_logFile.close();
     return openFile();
 }
 

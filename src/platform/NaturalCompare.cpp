@@ -1,9 +1,5 @@
 #include "platform/NaturalCompare.h"
 
-#include <QtAlgorithms>
-
-#include <cstring>
-
 #ifdef Q_OS_WIN
 #include <qt_windows.h>
 
@@ -23,6 +19,11 @@ int naturalCompare(const QString &a, const QString &b)
     const int r = StrCmpLogicalW(reinterpret_cast<const wchar_t *>(a.utf16()),
                                  reinterpret_cast<const wchar_t *>(b.utf16()));
     return r < 0 ? -1 : (r > 0 ? 1 : 0);
+}
+
+quint64 naturalSortPrefix(const QString &)
+{
+    return 0;
 }
 
 #else
@@ -129,46 +130,8 @@ inline int compareDigitRuns(const ushort *&pa, const ushort *ea, const ushort *&
     return 0;
 }
 
-// Skips the code units that both strings share, four at a time, but stops at
-// the start of a digit run that reaches the first difference: a shared prefix
-// holds no difference of any kind, while a run must be compared whole.
-inline void skipSharedPrefix(const ushort *&pa, const ushort *ea, const ushort *&pb,
-                             const ushort *eb)
-{
-    const qptrdiff shared = qMin(ea - pa, eb - pb);
-    qptrdiff k = 0;
-    for (; k + 4 <= shared; k += 4) {
-        quint64 wa, wb;
-        memcpy(&wa, pa + k, sizeof wa);
-        memcpy(&wb, pb + k, sizeof wb);
-        if (wa != wb) {
-            // The first differing unit is the lowest differing lane in memory order.
-            if (Q_BYTE_ORDER == Q_LITTLE_ENDIAN)
-                k += qCountTrailingZeroBits(wa ^ wb) >> 4;
-            break;
-        }
-    }
-    while (k < shared && pa[k] == pb[k])
-        ++k;
-    if (k > 0 && isDigit(pa[k - 1])) {
-        do
-            --k;
-        while (k > 0 && isDigit(pa[k - 1]));
-    }
-    pa += k;
-    pb += k;
-}
-
 int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ushort *eb)
 {
-    // Names of one folder often differ in their first character already.
-    if (pa < ea && pb < eb && *pa != *pb && !isDigit(*pa) && !isDigit(*pb)) {
-        const uint ka = keyOf(*pa).primary;
-        const uint kb = keyOf(*pb).primary;
-        if (ka != kb)
-            return ka < kb ? -1 : 1;
-    }
-    skipSharedPrefix(pa, ea, pb, eb);
     int tie = 0;
     while (pa < ea && pb < eb) {
         const ushort ca = *pa;
@@ -200,6 +163,26 @@ int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ush
 }
 
 } // namespace
+
+// The primary keys (18 bits each) of the first three code units, most significant first. A
+// digit ends the key with the digit class: what follows belongs to a run compared by value. A
+// shorter text pads with 0, below every key but that of U+0000, where the keys then tie.
+quint64 naturalSortPrefix(const QString &text)
+{
+    const ushort *p = reinterpret_cast<const ushort *>(text.constData());
+    const int n = qMin(int(text.size()), 3);
+    quint64 key = 0;
+    int k = 0;
+    for (; k < n; ++k) {
+        const uint primary = keyOf(p[k]).primary;
+        key = (key << 18) | primary;
+        if (primary == DigitClass) {
+            ++k;
+            break;
+        }
+    }
+    return key << (18 * (3 - k));
+}
 
 int naturalCompare(const QString &a, const QString &b)
 {

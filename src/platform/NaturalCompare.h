@@ -43,4 +43,12 @@ namespace ZuPlatform {
  */
 int naturalCompare(const QString &a, const QString &b);
 
+/**
+ * A key of the first characters of @p text for sorting many texts: when the keys of two texts
+ * differ, naturalCompare() orders the texts as the keys are ordered; when they are equal, only
+ * naturalCompare() can tell. So a sort may compare keys first and the texts only on a tie. The
+ * key is 0 where the comparison is the system's own (Windows).
+ */
+quint64 naturalSortPrefix(const QString &text);
+
 } // namespace ZuPlatform

@@ -1,3 +1,4 @@
+#include "core/ZuCrc_p.h"
 #include "support/ZuTest.h"
 
 #include <zucore/ZuCrc.h>
@@ -12,6 +13,7 @@ class tst_ZuCrc : public QObject
 private Q_SLOTS:
     void checkValues_data();
     void checkValues();
+    void agreesWithZlib_data();
     void agreesWithZlib();
 };
 
@@ -35,9 +37,22 @@ void tst_ZuCrc::checkValues()
     QCOMPARE(ZuCrc::crc32(data, length), crc);
 }
 
+void tst_ZuCrc::agreesWithZlib_data()
+{
+    QTest::addColumn<int>("kernel"); // -1: the one crc32() picks
+    QTest::newRow("crc32(), picked for this CPU") << -1;
+    const QVector<ZuCrcKernels::Entry> kernels = ZuCrcKernels::all();
+    for (int k = 0; k < kernels.size(); ++k)
+        QTest::newRow(kernels.at(k).name) << k;
+}
+
 // Every size to 300 at each offset mod 16 (kernel steps of 8, 16, 64 bytes), and large sizes.
 void tst_ZuCrc::agreesWithZlib()
 {
+    QFETCH(int, kernel);
+    const ZuCrcKernels::Entry entry = ZuCrcKernels::all().value(kernel);
+    if (kernel >= 0 && !entry.supported)
+        QSKIP("this CPU cannot run this kernel");
     QByteArray pool(4 * 1024 * 1024 + 64, Qt::Uninitialized);
     QRandomGenerator(2024).fillRange(reinterpret_cast<quint32 *>(pool.data()), pool.size() / 4);
     QList<int> sizes = { 4095, 65536 + 17, 4 * 1024 * 1024 + 33 };
@@ -46,8 +61,11 @@ void tst_ZuCrc::agreesWithZlib()
     for (int offset = 0; offset < 16; ++offset)
         for (int size : sizes) {
             const char *data = pool.constData() + offset;
-            QCOMPARE(ZuCrc::crc32(QByteArray::fromRawData(data, size), size),
-                     uint(::crc32(0L, reinterpret_cast<const Bytef *>(data), uInt(size))));
+            const uint ours = kernel < 0
+                ? ZuCrc::crc32(QByteArray::fromRawData(data, size), size)
+                : entry.kernel(0xFFFFFFFFu, reinterpret_cast<const uchar *>(data), size_t(size))
+                    ^ 0xFFFFFFFFu;
+            QCOMPARE(ours, uint(::crc32(0L, reinterpret_cast<const Bytef *>(data), uInt(size))));
         }
 }
 

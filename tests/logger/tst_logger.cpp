@@ -4,11 +4,16 @@
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerConsoleAppender.h>
+#include <zucore/LoggerFileAppender.h>
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QThread>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 using namespace zutest;
@@ -31,6 +36,35 @@ struct NamedAppender : LoggerAbstractAppender
     QString name;
 };
 
+// Raises a message of its own while it runs, as an application's appender might.
+struct ChattyAppender : LoggerAbstractAppender
+{
+    explicit ChattyAppender(bool throughQt)
+        : throughQt(throughQt)
+    { }
+    void append(const QDateTime &, Logger::LogLevel, const char *, int, const char *,
+                const QString &, const QString &message) override
+    {
+        if (throughQt)
+            qWarning("inner %s", qPrintable(message));
+        else
+            LOG_WARNING() << "inner" << message;
+    }
+    bool throughQt;
+};
+
+// Points the descriptor that holds @p fileName at a read-only one: later writes fail.
+bool makeUnwritable(const QString &fileName)
+{
+    const QString target = QFileInfo(fileName).canonicalFilePath();
+    const int readOnly = ::open("/dev/null", O_RDONLY);
+    for (const QString &fd : QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System)) {
+        if (QFileInfo("/proc/self/fd/" + fd).canonicalFilePath() == target)
+            return ::dup2(readOnly, fd.toInt()) >= 0 && ::close(readOnly) == 0;
+    }
+    return false;
+}
+
 void put(Logger *logger, const char *category, const char *message)
 {
     logger->write(Logger::Info, "f.cpp", 1, "void f()", category, QString::fromLatin1(message));
@@ -45,6 +79,12 @@ const bool childRan = [] {
     Logger *global = cuteLoggerInstance();
     auto *console = new LoggerConsoleAppender;
     console->ignoreEnvironmentPattern(true);
+    if (scenario == "fatal-statement") { // no appender takes Fatal: the statement still ends it
+        console->setDetailsLevel(Logger::LogLevel(Logger::Fatal + 1));
+        global->registerAppender(console);
+        LOG_INFO() << "dropped";
+        LOG_FATAL("gone");
+    }
     if (scenario == "qfatal") {
         console->setFormat(QStringLiteral("%{type}:%{message}\n"));
         global->registerAppender(console);
@@ -69,6 +109,9 @@ private slots:
     void registrationAndOwnership();
     void categoryRouting();
     void timingHelper();
+    void skippedStatements();
+    void messagesFromInsideAnAppender_data();
+    void messagesFromInsideAnAppender();
     void childProcess_data();
     void childProcess();
 };
@@ -189,6 +232,89 @@ void tst_Logger::timingHelper()
     QCOMPARE(appender->records().at(0).line, 7);
 }
 
+// A statement that no appender takes is skipped whole; one that some path still needs is not.
+void tst_Logger::skippedStatements()
+{
+    Logger *global = cuteLoggerInstance();
+    int evaluated = 0;
+    StderrCapture err;
+    LOG_TRACE() << ++evaluated; // no main appender: the record goes to standard error
+    QCOMPARE(evaluated, 1);
+    const QByteArray fallback = err.take();
+    QVERIFY2(fallback.contains("[Trace  ] <tst_Logger::skippedStatements> 1"),
+             fallback.constData());
+
+    auto *appender = new CapturingAppender;
+    appender->setDetailsLevel(Logger::Info);
+    global->registerAppender(appender);
+    LOG_INFO() << "first" << ++evaluated;
+    LOG_DEBUG() << "skipped" << ++evaluated;
+    QCOMPARE(evaluated, 2);
+    // Another thread lowers the level: the very next statement here is taken.
+    QScopedPointer<QThread> thread(
+        QThread::create([appender] { appender->setDetailsLevel(Logger::Debug); }));
+    thread->start();
+    QVERIFY(thread->wait(10000));
+    LOG_DEBUG() << "second" << ++evaluated;
+    if (evaluated == 0)
+        LOG_ERROR() << "not this";
+    else
+        LOG_WARNING("else branch");
+    global->removeAppender(appender);
+    QStringList messages = appender->messages();
+    for (QString &message : messages)
+        message = message.trimmed();
+    delete appender;
+    QCOMPARE(messages, QStringList({ "first 2", "second 3", "else branch" }));
+}
+
+void tst_Logger::messagesFromInsideAnAppender_data()
+{
+    QTest::addColumn<QString>("appender");
+    QTest::addColumn<QString>("expectedErr"); // a regular expression
+    QTest::newRow("qWarning") << "qt"
+                              << "^\\[Warn   \\] <[^>]*> inner outer\n$";
+    QTest::newRow("log statement")
+        << "log"
+        << "^\\[Warn   \\] <[^>]*ChattyAppender::append> inner \"outer\" ?\n$";
+    QTest::newRow("file becomes unwritable") << "file"
+                                             << "";
+}
+
+// A message raised on the thread that runs an appender would wait for a mutex the thread
+// holds: it goes to standard error, and logging goes on.
+void tst_Logger::messagesFromInsideAnAppender()
+{
+    QFETCH(QString, appender);
+    QFETCH(QString, expectedErr);
+    Logger *global = cuteLoggerInstance();
+    LogCapture capture;
+    LoggerAbstractAppender *inner = nullptr;
+    if (appender == "file") {
+        auto *file = new LoggerFileAppender("unwritable.log");
+        file->setFormat("%{message}\n");
+        file->write(QDateTime::currentDateTime(), Logger::Info, "f.cpp", 1, "void f()", {}, "open");
+        QVERIFY(makeUnwritable("unwritable.log"));
+        inner = file;
+    } else {
+        inner = new ChattyAppender(appender == "qt");
+    }
+    global->registerAppender(inner);
+    StderrCapture err;
+    put(global, nullptr, "outer");
+    put(global, nullptr, "outer");
+    const QString text = QString::fromLocal8Bit(err.take());
+    global->removeAppender(inner);
+    delete inner;
+    QCOMPARE(capture.messages(), QStringList({ "outer", "outer" }));
+    if (!expectedErr.isEmpty()) {
+        const QStringList lines = text.split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 2);
+        QVERIFY2(QRegularExpression(expectedErr).match(lines.at(0) + '\n').hasMatch(),
+                 qPrintable(text));
+    }
+}
+
 void tst_Logger::childProcess_data()
 {
     QTest::addColumn<QByteArray>("scenario");
@@ -199,6 +325,8 @@ void tst_Logger::childProcess_data()
         << QByteArray("No appenders registered with logger\n[Info   ] <first> one\n"
                       "[Warn   ] <second> two\n[Fatal  ] <check> ASSERT: \"x > 1\"\n");
     QTest::newRow("qFatal") << QByteArray("qfatal") << QByteArray("Fatal:gone 5\n");
+    QTest::newRow("LOG_FATAL that no appender takes")
+        << QByteArray("fatal-statement") << QByteArray();
 }
 
 void tst_Logger::childProcess()

@@ -112,6 +112,9 @@ void tst_LoggerAppenders::formattedString_data()
                .arg(QCoreApplication::applicationPid())
                .arg(QCoreApplication::applicationName())
                .arg(quintptr(QThread::currentThread()), 0, 16);
+    QTest::newRow("width INT_MIN, padding bounded")
+        << stamp << "%{type:-2147483648}|" << 2 << QByteArray(path)
+        << QString("Info").leftJustified(65536) + '|';
     // The walk writes common date formats itself; whatever it writes must equal QDateTime's.
     const QStringList formats { "yyyy-MM-ddTHH:mm:ss.zzz", "dd.MM.yy hh:mm AP", "d/M/y H:m:s.z",
                                 "ddd MMMM 'at' t", "zzzz yyyyy" };

@@ -55,7 +55,6 @@ public:
     void clear() { m_appender->clear(); }
     /// True if a record at @p level has a message containing @p messagePart.
     bool contains(Logger::LogLevel level, const QString &messagePart) const;
-    CapturingAppender *appender() const { return m_appender; }
 
 private:
     CapturingAppender *m_appender;

@@ -28,6 +28,7 @@ namespace ZuFileUtils {
 
 /// @name Files
 /// @{
+
 /// QFile::exists.
 ZUCORE_EXPORT bool fileExists(const QString &fileName);
 /// True when there is no such file; otherwise the result of QFile::remove (false on failure).
@@ -46,6 +47,7 @@ ZUCORE_EXPORT bool copyFile(const QString &source, const QString &target);
 
 /// @name Parts of a name (the file needn't exist)
 /// @{
+
 /// The absolute path of the file's folder.
 ZUCORE_EXPORT QString folder(const QString &fileName);
 /// The name without its folder.
@@ -63,6 +65,7 @@ ZUCORE_EXPORT QString strippedFileNameWithoutRevExtension(const QString &fileNam
 
 /// @name Facts on disk
 /// @{
+
 /// QFileInfo::created; an invalid date-time for a missing file.
 ZUCORE_EXPORT QDateTime created(const QString &fileName);
 /// QFileInfo::lastModified; an invalid date-time for a missing file.
@@ -81,6 +84,7 @@ ZUCORE_EXPORT QByteArray fileChecksum(const QString &fileName,
 
 /// @name Whole files
 /// @{
+
 /**
  * The bytes of the file, under a wait cursor.
  * @return an empty array when the file can't be opened, after an Error log line and a warning
@@ -115,6 +119,7 @@ ZUCORE_EXPORT bool saveToTextFile(const QString &fileName, const QString &text);
 
 /// @name Desktop
 /// @{
+
 /// Opens @p folder with the desktop (the URL "file:///" + @p folder, parsed tolerantly).
 ZUCORE_EXPORT void showFolderInExplorer(const QString &folder);
 /**

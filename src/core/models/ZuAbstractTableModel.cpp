@@ -1,3 +1,4 @@
+#include "ZuTableModelCommon_p.h"
 #include "compat/ZuVariantCompare.h"
 
 #include <zucore/Logger.h>
@@ -11,8 +12,6 @@ namespace {
 
 using Cell = QPair<QVariant, QVariant>;
 using Row = QList<Cell>;
-
-const int ItemHintAnswer = 13;
 
 // JSON has one number type: Qt's parser keeps integral numbers as qlonglong, but a
 // loaded table holds every number as a double, as JSON gives it.
@@ -80,18 +79,16 @@ QVariant ZuAbstractTableModel::data(const QModelIndex &index, int role) const
         cell = &modelRows.at(row).at(column);
 
     switch (role) {
-    case Qt::DisplayRole:
-        return data(index, Qt::EditRole);
     case Qt::EditRole:
         if (!cell)
             return QVariant();
         return previousOnEdit ? cell->second : cell->first;
     case ItemHintRole: {
-        if (data(index, ItemNoteRole).toString().isEmpty())
+        if (!ZuTableModelCommon::hasNote(*this, index))
             return QVariant();
         const int options = data(index, ItemOptionsRole).toInt();
         if (!(options & 1) || (options & 4))
-            return ItemHintAnswer;
+            return ZuTableModelCommon::ItemHintAnswer;
         return QVariant();
     }
     case ItemOptionsRole: {
@@ -102,25 +99,11 @@ QVariant ZuAbstractTableModel::data(const QModelIndex &index, int role) const
             options += 1;
         return options;
     }
-    case ItemEditableRole:
-        return itemIsEditable(index);
-    case ItemValidRole:
-        return itemIsValid(index);
-    case RowValidRole: {
-        const int columns = columnCount();
-        for (int c = 0; c < columns; ++c) {
-            if (!data(this->index(row, c), ItemValidRole).toBool())
-                return false;
-        }
-        return true;
-    }
-    case ItemEmptyTextRole:
-        return QStringLiteral("");
     case PreviousValueRole:
     case PreviousValueRole2:
         return cell ? cell->second : QVariant();
     default:
-        return QVariant();
+        return ZuTableModelCommon::commonRoleAnswer(*this, index, role);
     }
 }
 
@@ -184,31 +167,8 @@ bool ZuAbstractTableModel::insertRows(int row, int count, const QModelIndex &)
     for (int c = 0; c < columns; ++c)
         fresh.append(Cell());
     const int at = qMin(row, modelRows.size());
-    if (at == modelRows.size()) {
-        // Only for a bulk insert: an exact reserve per single row would
-        // reallocate the list on every append.
-        if (count > 1)
-            modelRows.reserve(modelRows.size() + count);
-        for (int i = 0; i < count; ++i) {
-            modelRows.append(fresh);
-            // Each row owns its cells from the start, so a bulk load doesn't pay
-            // for a detach per row later on.
-            modelRows.last().detach();
-        }
-    } else {
-        // Build the new list in one pass instead of shifting the tail per row.
-        QList<Row> rows;
-        rows.reserve(modelRows.size() + count);
-        for (int i = 0; i < at; ++i)
-            rows.append(std::move(modelRows[i]));
-        for (int i = 0; i < count; ++i) {
-            rows.append(fresh);
-            rows.last().detach();
-        }
-        for (int i = at; i < modelRows.size(); ++i)
-            rows.append(std::move(modelRows[i]));
-        modelRows.swap(rows);
-    }
+    for (int i = 0; i < count; ++i)
+        modelRows.insert(at + i, fresh);
     endInsertRows();
     dirtyFlag = true;
     return true;
@@ -231,11 +191,7 @@ bool ZuAbstractTableModel::removeRows(int row, int count, const QModelIndex &)
 
 Qt::ItemFlags ZuAbstractTableModel::flags(const QModelIndex &index) const
 {
-    const Qt::ItemFlags base = QAbstractTableModel::flags(index);
-    if (!base)
-        return base;
-    // Every cell is editable to a view; the per-cell answer is ItemEditableRole.
-    return base | Qt::ItemIsEditable;
+    return ZuTableModelCommon::editableFlags(QAbstractTableModel::flags(index));
 }
 
 bool ZuAbstractTableModel::submit()
@@ -303,16 +259,19 @@ bool ZuAbstractTableModel::copy(const QModelIndex &from, const QModelIndex &to)
 {
     if (!from.isValid() || !to.isValid())
         return false;
+    // Indexes of another model or rows outside the table name no row here: refused before
+    // any signal, which would otherwise carry indexes that don't exist.
+    const int rows = qMin(rowCount(), modelRows.size());
+    if (from.model() != this || to.model() != this || from.row() >= rows || to.row() >= rows)
+        return false;
     const int source = from.row();
     const int target = to.row();
     const int columns = columnCount();
-    if (source < modelRows.size() && target < modelRows.size()) {
-        const Row cells = modelRows.at(source); // a copy: source and target may be one row
-        Row &targetCells = modelRows[target];
-        const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
-        for (int c = 0; c < n; ++c)
-            targetCells[c].first = cells.at(c).first;
-    }
+    const Row cells = modelRows.at(source); // a copy: source and target may be one row
+    Row &targetCells = modelRows[target];
+    const int n = qMin(columns, qMin(cells.size(), targetCells.size()));
+    for (int c = 0; c < n; ++c)
+        targetCells[c].first = cells.at(c).first;
     if (columns > 0)
         emit dataChanged(index(target, 0), index(target, columns - 1), {});
     return true;
@@ -330,8 +289,7 @@ bool ZuAbstractTableModel::itemIsValid(const QModelIndex &) const
 
 QString ZuAbstractTableModel::itemInvalidReason(const QModelIndex &) const
 {
-    return QStringLiteral(
-        "No reason given - reimp ZuAbstractTableModel::modelRowDataInvalidReason");
+    return ZuTableModelCommon::defaultInvalidReason();
 }
 
 // --- export ----------------------------------------------------------------

@@ -13,7 +13,7 @@
 #include <QVariant>
 
 /**
- * @class ZuAbstractTableModel <zucore/ZuAbstractTableModel.h>
+ * @class ZuAbstractTableModel
  * @brief Table model whose cells keep a current and a previous value, so that
  *        edits can be submitted or reverted, with JSON and string import/export.
  *
@@ -34,9 +34,11 @@
  * Not supported: inserting or removing columns, moving rows, sorting. The
  * model takes no locks and belongs to the thread of its views.
  *
- * Note that QAbstractItemView calls submit() on its model whenever the
- * current row changes; to keep a batch of edits staged until the user submits,
- * disconnect the view's selection model's currentRowChanged from submit().
+ * Note that Qt's item views call submit() on their model when the current row
+ * changes or an editor closes with Enter, and revert() when one closes with
+ * Escape, also through proxies; to keep a batch of edits staged until the
+ * application submits or reverts it, show the model through a
+ * ZuManualSubmitProxyModel.
  *
  * Choices where the contract leaves room:
  * - the roles are the one public enum ItemDataRole below;
@@ -197,7 +199,8 @@ public:
     virtual QString itemInvalidReason(const QModelIndex &index) const;
     /**
      * Copies the current values of the row of @p from over the row of @p to;
-     * previous values and the dirty flag stay. False for an invalid index.
+     * previous values and the dirty flag stay. False, with no signal, for an
+     * invalid index, an index of another model and a row outside the table.
      */
     virtual bool copy(const QModelIndex &from, const QModelIndex &to);
     /**

@@ -6,7 +6,11 @@
 #include <QFont>
 #include <QHash>
 #include <QMap>
+#include <QMetaMethod>
 #include <QRegularExpression>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -57,7 +61,144 @@ public:
     ZuSortFilterProxyModel *q;
 
     QHash<QString, QRegularExpression> compiledPatterns;
+
+    // The sort columns changed since the last sort(): the same sort() must still re-sort.
+    bool sortColumnsChanged = false;
+    QMetaObject::Connection sourceDataChanged;
+
+    void placeEditedRows(const QModelIndex &topLeft, const QModelIndex &bottomRight);
+
+    // The place of every source row in the order of the sort columns, worked out once for a
+    // whole sort from display texts read once per row, instead of reading two rows' texts for
+    // every comparison. Rows that tie share a rank, so that the base class's stable sort keeps
+    // them in the order it would keep them anyway. Filled only while sortNow() runs, for the
+    // rows under the source's root: the proxy is flat, the base class keeps no other mapping.
+    struct SortRanks
+    {
+        const QAbstractItemModel *source = nullptr;
+        int column = -1; // the column lessThan() is given when there are no sort columns
+        QVector<int> ranks;
+    } sortRanks;
+
+    // Sorts (or, with the mapping gone, builds the sorted mapping) at once, with the ranks
+    // worked out ahead. @p sort is what makes the base class sort.
+    template<typename Sort> void sortNow(int column, Sort sort);
+    void rankRows(int column);
+    const int *rankOf(const QModelIndex &index) const
+    {
+        if (!sortRanks.source || index.model() != sortRanks.source
+            || uint(index.row()) >= uint(sortRanks.ranks.size())
+            || (sortColumns.isEmpty() && index.column() != sortRanks.column))
+            return nullptr;
+        return sortRanks.ranks.constData() + index.row();
+    }
 };
+
+void ZuSortFilterProxyModelPrivate::rankRows(int column)
+{
+    const QAbstractItemModel *source = q->sourceModel();
+    const QList<int> columns = sortColumns.isEmpty() ? QList<int>({ column }) : sortColumns;
+    const int rows = source->rowCount(QModelIndex());
+    const int width = columns.size();
+    // Read as lessThan() would: a cell out of range reads as the empty text. The first column
+    // travels with its row through the sort, the others are looked up.
+    struct Entry
+    {
+        quint64 prefix; // decides most comparisons without touching the text
+        QString text;
+        int row;
+    };
+    std::vector<Entry> entries;
+    entries.reserve(size_t(rows));
+    QVector<QString> more;
+    if (width > 1)
+        more.reserve(qsizetype(rows) * (width - 1));
+    for (int row = 0; row < rows; ++row) {
+        for (int i = 0; i < width; ++i) {
+            const QModelIndex cell = source->index(row, columns.at(i), QModelIndex());
+            QString text
+                = cell.isValid() ? source->data(cell, Qt::DisplayRole).toString() : QString();
+            if (i == 0)
+                entries.push_back({ ZuPlatform::naturalSortPrefix(text), std::move(text), row });
+            else
+                more.append(std::move(text));
+        }
+    }
+    auto compare = [&](const Entry &a, const Entry &b) {
+        if (a.prefix != b.prefix)
+            return a.prefix < b.prefix ? -1 : 1;
+        int order = ZuPlatform::naturalCompare(a.text, b.text);
+        for (int i = 1; i < width && order == 0; ++i)
+            order = ZuPlatform::naturalCompare(more.at(qsizetype(a.row) * (width - 1) + i - 1),
+                                               more.at(qsizetype(b.row) * (width - 1) + i - 1));
+        return order;
+    };
+    std::sort(entries.begin(), entries.end(),
+              [&](const Entry &a, const Entry &b) { return compare(a, b) < 0; });
+    sortRanks.ranks.resize(rows);
+    int rank = 0;
+    for (size_t k = 0; k < entries.size(); ++k) {
+        if (k > 0 && compare(entries[k - 1], entries[k]) != 0)
+            rank = int(k);
+        sortRanks.ranks[entries[k].row] = rank;
+    }
+    sortRanks.column = columns.first();
+    sortRanks.source = source;
+}
+
+template<typename Sort> void ZuSortFilterProxyModelPrivate::sortNow(int column, Sort sort)
+{
+    if (q->sourceModel() && !sortRanks.source && column >= 0)
+        rankRows(column);
+    sort();
+    // A mapping that did not exist yet is built (filtered and sorted) here, while the ranks are
+    // at hand, rather than at the next read.
+    q->QSortFilterProxyModel::rowCount(QModelIndex());
+    sortRanks = SortRanks();
+}
+
+// The base class re-places a changed row only when the change covers the column last given to
+// sort(), while the order depends on every sort column. A change of another sort column is
+// handed to the base class's own handling once more, widened to that column, so that it
+// re-places those rows as it does for its sort column (one row costs a binary search, not a
+// sort). Should that handling ever be missing, the whole order is rebuilt instead.
+void ZuSortFilterProxyModelPrivate::placeEditedRows(const QModelIndex &topLeft,
+                                                    const QModelIndex &bottomRight)
+{
+    const int sortColumn = q->sortColumn();
+    if (!q->dynamicSortFilter() || sortColumn < 0 || sortColumns.isEmpty() || !topLeft.isValid()
+        || !bottomRight.isValid())
+        return;
+    if (topLeft.column() <= sortColumn && sortColumn <= bottomRight.column())
+        return; // placed already
+    const bool touchesOrder
+        = std::any_of(sortColumns.cbegin(), sortColumns.cend(), [&](int column) {
+              return topLeft.column() <= column && column <= bottomRight.column();
+          });
+    if (!touchesOrder)
+        return;
+
+    static const QMetaMethod baseHandler = [] {
+        const QMetaObject &base = QSortFilterProxyModel::staticMetaObject;
+        for (int i = base.methodOffset(); i < base.methodCount(); ++i) {
+            if (base.method(i).name() == "_q_sourceDataChanged"
+                && base.method(i).parameterCount() == 3)
+                return base.method(i);
+        }
+        return QMetaMethod();
+    }();
+    const QAbstractItemModel *source = topLeft.model();
+    const QModelIndex first
+        = source->index(topLeft.row(), qMin(topLeft.column(), sortColumn), topLeft.parent());
+    const QModelIndex last = source->index(
+        bottomRight.row(), qMax(bottomRight.column(), sortColumn), bottomRight.parent());
+    const QVector<int> allRoles;
+    if (!baseHandler.isValid() || !first.isValid() || !last.isValid()
+        || !baseHandler.invoke(
+            q, Qt::DirectConnection, Q_ARG(QModelIndex, first), Q_ARG(QModelIndex, last),
+            QGenericArgument(baseHandler.parameterTypes().at(2).constData(), &allRoles)))
+        q->invalidate();
+}
 
 namespace {
 
@@ -78,9 +219,43 @@ ZuSortFilterProxyModel::ZuSortFilterProxyModel(QObject *parent)
 
 ZuSortFilterProxyModel::~ZuSortFilterProxyModel() = default;
 
+void ZuSortFilterProxyModel::setSourceModel(QAbstractItemModel *source)
+{
+    QObject::disconnect(d->sourceDataChanged);
+    QSortFilterProxyModel::setSourceModel(source);
+    // Connected after the base class, so that its own handling of a change comes first.
+    if (source)
+        d->sourceDataChanged
+            = connect(source, &QAbstractItemModel::dataChanged, this,
+                      [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
+                          d->placeEditedRows(topLeft, bottomRight);
+                      });
+}
+
+void ZuSortFilterProxyModel::sort(int column, Qt::SortOrder order)
+{
+    // The base class ignores a sort by the column and order it already has, but the sort
+    // columns may have changed since.
+    const bool same = column == sortColumn() && order == sortOrder();
+    const bool resort = same && column >= 0 && d->sortColumnsChanged && dynamicSortFilter();
+    d->sortColumnsChanged = false;
+    if (same && dynamicSortFilter() && !resort)
+        return; // nothing changed: the base class would do nothing either
+    if (column < 0) {
+        QSortFilterProxyModel::sort(column, order); // back to source order: no comparison
+        return;
+    }
+    d->sortNow(column, [&] {
+        QSortFilterProxyModel::sort(column, order);
+        if (resort)
+            invalidate();
+    });
+}
+
 void ZuSortFilterProxyModel::setSortColumns(const QList<int> &columns)
 {
     d->sortColumns = columns;
+    d->sortColumnsChanged = true;
 }
 
 QList<int> ZuSortFilterProxyModel::sortColumns() const
@@ -91,16 +266,19 @@ QList<int> ZuSortFilterProxyModel::sortColumns() const
 void ZuSortFilterProxyModel::addSortColumn(int column)
 {
     d->sortColumns.append(column);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::addSortColumns(const QList<int> &columns)
 {
     d->sortColumns.append(columns);
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::clearSortColumns()
 {
     d->sortColumns.clear();
+    d->sortColumnsChanged = true;
 }
 
 void ZuSortFilterProxyModel::setSearchColumns(const QList<int> &columns)
@@ -184,7 +362,10 @@ void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
     d->searchInverted = inverted;
     if (!text.isEmpty()) {
         if (d->searchColumns.isEmpty()) {
-            const int columns = columnCount();
+            // The proxy maps columns one to one; asking its own columnCount() would build the
+            // unfiltered mapping first.
+            const QAbstractItemModel *source = sourceModel();
+            const int columns = source ? source->columnCount(QModelIndex()) : 0;
             for (int column = 0; column < columns; ++column)
                 d->searchStrings.insert(column, text);
         } else {
@@ -193,7 +374,14 @@ void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
         }
     }
     d->compiledPatterns.clear();
-    invalidateFilter();
+    // Qt's invalidateFilter() removes and inserts every run of rows that leaves or enters on its
+    // own, and rebuilds the whole mapping for each: quadratic when matches and misses alternate.
+    // The mapping is rebuilt once instead (a layout change that keeps persistent indexes of the
+    // rows that stay), sorted with the texts read ahead.
+    if (sortColumn() >= 0)
+        d->sortNow(sortColumn(), [this] { invalidate(); });
+    else
+        invalidate();
     emit dataChanged(QModelIndex(), QModelIndex());
 }
 
@@ -421,6 +609,10 @@ bool ZuSortFilterProxyModel::lessThan(const QModelIndex &left, const QModelIndex
     const QAbstractItemModel *source = sourceModel();
     if (!source)
         return false;
+    if (const int *leftRank = d->rankOf(left)) {
+        if (const int *rightRank = d->rankOf(right))
+            return *leftRank < *rightRank;
+    }
     if (d->sortColumns.isEmpty())
         return ZuPlatform::naturalCompare(displayText(source, left), displayText(source, right))
             == -1;

@@ -22,9 +22,10 @@ class ZuSortFilterProxyModelPrivate;
  * regard to case, so "Readme" and "readme" tie) over sortColumns(), most
  * significant first; with no sort columns it compares the two cells it is
  * given. Rows that tie on every sort column are not less than each other.
- * sortRole() and sortCaseSensitivity() play no part. Pass the most
- * significant sort column to sort(): the dynamic sort filter re-sorts an
- * edited row only when the edit touches the column that sort() was given.
+ * sortRole() and sortCaseSensitivity() play no part. A change of the sort
+ * columns takes effect at the next sort(), also one by the column and order
+ * already in use; with the dynamic sort filter (on by default) an edit of any
+ * sort column puts its row in place again.
  *
  * Filtering. Filter texts (addFilterKeyColumn(), addFilterFixedString()) and
  * search texts (setSearchString()) are case-insensitive regular expressions
@@ -66,50 +67,70 @@ public:
     explicit ZuSortFilterProxyModel(QObject *parent = nullptr);
     ~ZuSortFilterProxyModel() override;
 
-    /// @name Sort columns
-    /// Most significant first; duplicates and insertion order are kept. A
-    /// change takes effect at the next sort: nothing is invalidated here.
-    ///@{
+    // Sort columns: most significant first; duplicates and insertion order are kept. A change
+    // takes effect at the next sort(): nothing is invalidated by these.
+
+    /// Replaces the sort columns; takes effect at the next sort().
     void setSortColumns(const QList<int> &columns);
     /// @return a copy of the sort columns; empty if none are set.
     QList<int> sortColumns() const;
+    /// Appends @p column to the sort columns; takes effect at the next sort().
     void addSortColumn(int column);
+    /// Appends @p columns to the sort columns; takes effect at the next sort().
     void addSortColumns(const QList<int> &columns);
+    /// Empties the sort columns: sort() then orders by its own column alone.
     void clearSortColumns();
-    ///@}
 
-    /// @name Search columns
-    /// The columns that setSearchString() fills; empty means all columns. A
-    /// change takes effect at the next search: nothing is invalidated here.
-    ///@{
+    // Search columns: the columns that setSearchString() fills; empty means all columns. A
+    // change takes effect at the next search: nothing is invalidated by these.
+
+    /// Replaces the search columns; takes effect at the next setSearchString().
     void setSearchColumns(const QList<int> &columns);
     /// @return a copy of the search columns; empty if none are set.
     QList<int> searchColumns() const;
+    /// Appends @p column to the search columns; takes effect at the next setSearchString().
     void addSearchColumn(int column);
+    /// Appends @p columns to the search columns; takes effect at the next setSearchString().
     void addSearchColumns(const QList<int> &columns);
+    /// Empties the search columns: the next search covers every column.
     void clearSearchColumns();
-    ///@}
 
-    /// @name Plain settings
-    /// The setters only store their value: none resets, invalidates or emits.
-    ///@{
+    // Plain settings: the setters only store their value; none resets, invalidates or emits.
+
     /// @return whether the extra "not assigned" first row is present (default false).
     bool notAssignedRowEnabled() const;
+    /// Shows or hides the extra first row; views learn of it at their next reset or read.
     void setNotAssignedRowEnabled(bool enabled);
     /// @return the text of the extra row (default "Not Assigned").
     QString notAssignedText() const;
+    /// Sets the text that the extra row shows in selectionRoleColumn().
     void setNotAssignedText(const QString &text);
     /// @return whether selectionRoleColumn() shows role 257 (Qt::UserRole + 1) as its display
     /// text (default false).
     bool useSelectionRole() const;
+    /// Makes selectionRoleColumn() answer its display role from role 257, or not.
     void setUseSelectionRole(bool use);
     /// @return the column of the selection role and the not-assigned text (default 1).
     int selectionRoleColumn() const;
+    /// Sets the column of the selection role and the not-assigned text.
     void setSelectionRoleColumn(int column);
     /// @return how the columns of one group combine (default orFilterMode).
     FilterModes filterMode() const;
+    /// Sets how the columns of one group combine; takes effect at the next filter pass.
     void setFilterMode(FilterModes mode);
-    ///@}
+
+    /**
+     * Sets the source as QSortFilterProxyModel does, and follows its edits of every sort
+     * column (see the class description).
+     */
+    void setSourceModel(QAbstractItemModel *source) override;
+
+    /**
+     * Sorts by @p column in @p order as QSortFilterProxyModel does; with sort columns set,
+     * @p column only switches sorting on (-1: source order). Unlike the base class it also
+     * re-sorts when the column and order are unchanged but the sort columns changed.
+     */
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
     /**
      * Replaces every search pattern by @p text, one pattern per search column
@@ -171,7 +192,9 @@ public:
     QModelIndex mapFromSource(const QModelIndex &sourceIndex) const override;
 
 protected:
+    /// @return whether source row @p sourceRow passes the filter and search patterns.
     bool filterAcceptsRow(int sourceRow, const QModelIndex &sourceParent) const override;
+    /// @return whether the row of @p left comes before that of @p right by the sort columns.
     bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
 
 private:

@@ -106,6 +106,7 @@ bool run(Table &model, const QString &script)
             { "insert", [&] { return model.insertRows(n(0), n(1)); } },
             { "remove", [&] { return model.removeRows(n(0), n(1)); } },
             { "copy", [&] { return model.copy(cell(0), cell(2)); } },
+            { "copyForeign", [&] { return model.copy(foreign.index(n(0), n(1)), cell(2)); } },
             { "submit", [&] { return model.submit(); } },
             { "json", [&] { return model.insertFromJsonString(arg); } },
             { "object", [&] { return model.insertFromJsonObject(object); } },
@@ -117,7 +118,12 @@ bool run(Table &model, const QString &script)
             { "clear", done([&] { model.clear(); }) },
             { "refuse", done([&] { model.refuseInserts = true; }) },
         };
-        ok = ops.value(step.section(' ', 0, 0))();
+        const auto op = ops.constFind(step.section(' ', 0, 0));
+        if (op == ops.cend()) {
+            QTest::qFail(qPrintable("unknown step: " + step), __FILE__, __LINE__);
+            return false;
+        }
+        ok = (*op)();
     }
     return ok;
 }
@@ -258,6 +264,7 @@ void tst_ZuAbstractTableModel::operations_data()
     row("header outside", "header 3", false, "end /0", { "4 Header data not set for section 3" });
     row("insertRows past the end", "insert 3 1", false, "end /0");
     row("removeRows too many", "remove 0 3", false, "end /0");
+    row("copy from another model", "copyForeign 0 0 1 0", false, "end /0");
     row("revertRow -1, 2, unedited 0", "revertRow -1|revertRow 2|revertRow 0", true, "end /0");
     QJsonParseError e; // Qt's parser judges the text; the texts built from its verdict are ours
     QJsonDocument::fromJson("not json", &e);
@@ -283,6 +290,7 @@ void tst_ZuAbstractTableModel::operations()
     QFETCH(QString, expected);
     QFETCH(QStringList, log);
     Table model;
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
     QVERIFY(model.insertFromJsonString(fixture));
     QCOMPARE(model.toJsonString(), fixture);
     zutest::LogCapture capture;
