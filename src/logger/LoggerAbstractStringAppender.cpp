@@ -197,7 +197,8 @@ QString cleanFunctionName(const char *function)
         function = "";
     const quintptr a = quintptr(function);
     Site &site = sites[((a >> 3) ^ (a >> 9)) % SiteCount];
-    if (site.address != function || site.signature != function) {
+    // glibc's strcmp reads the text a vector at a time; QByteArray's comparison a byte at a time.
+    if (site.address != function || std::strcmp(site.signature.constData(), function) != 0) {
         site.name = LoggerAbstractStringAppender::stripFunctionName(function);
         site.signature = function;
         site.address = function;
