@@ -105,26 +105,60 @@ inline void placeEditedRows(QSortFilterProxyModel *proxy, const QList<int> &sort
 class PatternCache
 {
 public:
-    const QRegularExpression &compiled(const QString &pattern)
+    bool matches(const QString &pattern, const QString &text)
     {
+        const Compiled &found = compiled(pattern);
+        // A match anywhere, as text.indexOf(expression, 0) != -1 finds it, without QString's
+        // own validity check (a lock) for every cell; an invalid expression would also warn.
+        return found.valid && found.expression.match(text).hasMatch();
+    }
+
+    void clear()
+    {
+        patterns.clear();
+        for (Recent &entry : recent)
+            entry = Recent();
+    }
+
+private:
+    // A pattern compiled once, with its validity asked once: the question takes a lock.
+    struct Compiled
+    {
+        QRegularExpression expression;
+        bool valid;
+    };
+    struct Recent
+    {
+        const QChar *data = nullptr;
+        qsizetype size = 0;
+        const Compiled *compiled = nullptr;
+    };
+
+    const Compiled &compiled(const QString &pattern)
+    {
+        // The patterns of a pass are shared copies of a few texts: their data pointer finds the
+        // expression without hashing the text for every cell.
+        for (const Recent &entry : recent) {
+            if (entry.compiled && entry.data == pattern.constData() && entry.size == pattern.size())
+                return *entry.compiled;
+        }
         auto it = patterns.constFind(pattern);
-        if (it == patterns.cend())
-            it = patterns.insert(
-                pattern, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption));
+        if (it == patterns.cend()) {
+            // An insertion may move the expressions held: forget where they were.
+            for (Recent &entry : recent)
+                entry = Recent();
+            const QRegularExpression expression(pattern, QRegularExpression::CaseInsensitiveOption);
+            it = patterns.insert(pattern, { expression, expression.isValid() });
+        }
+        recent[nextRecent] = { pattern.constData(), pattern.size(), &*it };
+        nextRecent = (nextRecent + 1) % RecentCount;
         return *it;
     }
 
-    bool matches(const QString &pattern, const QString &text)
-    {
-        const QRegularExpression &expression = compiled(pattern);
-        // Asking QString with an invalid expression would also warn once per cell.
-        return expression.isValid() && text.indexOf(expression, 0) != -1;
-    }
-
-    void clear() { patterns.clear(); }
-
-private:
-    QHash<QString, QRegularExpression> patterns;
+    QHash<QString, Compiled> patterns;
+    static constexpr int RecentCount = 4;
+    Recent recent[RecentCount];
+    int nextRecent = 0;
 };
 
 } // namespace ZuProxyShared
