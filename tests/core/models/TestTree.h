@@ -1,10 +1,6 @@
 #pragma once
-// A ZuTreeModel built from a one-line shape and read back in the same form,
-// shared by the tree model and tree proxy tests:
-//   "A=1(a1=11(a1x=111),a2=12),B=2"
-// rows separated by ',', children in '(...)', cells by '='. Read back, a cell
-// whose current value differs from its previous one ends in '*', and a null
-// current value reads '~'.
+// A ZuTreeModel built from a shape, "A=1(a1=11(a1x=111),a2=12),B=2", which dump() reads back
+// from any model ('*': a changed cell, '~': null); at(model, "0/1"): row 1 under row 0, "-": root.
 
 #include <zucore/ZuAbstractTableModel.h>
 #include <zucore/ZuTreeModel.h>
@@ -15,78 +11,54 @@
 template<class Base> class TestTreeOf : public Base
 {
 public:
-    explicit TestTreeOf(const QString &shape = QString(), QFlags<ZuCore::ModelOption> options = {},
-                        const QStringList &headers = { "name", "value" })
+    explicit TestTreeOf(const QString &shape = QString())
         : shape(shape)
-        , headers(headers)
     {
-        this->options = options;
         this->setObjectName("Tree");
     }
     QString shape;
-    QStringList headers;
+    QStringList headers { "name", "value" };
     int slowMs = 0;
+    int itemOptions = -1; // answered for ItemOptionsRole unless negative
+    using Base::options, Base::rootItem;
 
     void setupModelData() override
     {
         QThread::msleep(slowMs);
+        auto cells = [this](const QStringList &values) {
+            QList<ZuTreeItem::Cell> list;
+            for (int i = 0; i < headers.size(); ++i)
+                list.append({ values.value(i, ""), values.value(i, "") });
+            return list;
+        };
         if (!rootItem)
             rootItem = new ZuTreeItem(cells(headers), nullptr);
-        int at = 0;
-        parse(rootItem, at);
+        QList<ZuTreeItem *> stack { rootItem };
+        const QRegularExpression marks(",|(?=[()])|(?<=[()])");
+        for (const QString &token : shape.split(marks, Qt::SkipEmptyParts)) {
+            if (token == ")")
+                stack.removeLast();
+            else if (token == "(")
+                stack << stack.last()->childItems.last();
+            else
+                stack.last()->childItems << new ZuTreeItem(cells(token.split('=')), stack.last());
+        }
     }
-    bool itemIsValid(const QModelIndex &index) const override
-    {
-        return this->data(index, Qt::EditRole) != "bad";
-    }
+    bool itemIsValid(const QModelIndex &i) const override { return i.data(Qt::EditRole) != "bad"; }
     QVariant data(const QModelIndex &index, int role) const override
     {
+        const QString text = Base::data(index, Qt::EditRole).toString();
         if (role == ZuAbstractTableModel::ItemNoteRole)
-            return this->data(index, Qt::EditRole).toString().startsWith("note") ? "a note" : "";
+            return text.startsWith("note") ? "a note" : "";
         if (role == ZuAbstractTableModel::ItemOptionsRole && itemOptions >= 0)
             return itemOptions;
-        if (role == Qt::UserRole + 1) // the selection role of the proxies
-            return "selected " + this->data(index, Qt::EditRole).toString();
-        return Base::data(index, role);
-    }
-    int itemOptions = -1; // answered for ItemOptionsRole unless negative
-    using Base::dirty;
-    using Base::rootItem;
-
-private:
-    static QList<ZuTreeItem::Cell> cells(const QStringList &values)
-    {
-        QList<ZuTreeItem::Cell> list;
-        for (const QString &value : values)
-            list.append({ value, value });
-        return list;
-    }
-    void parse(ZuTreeItem *parent, int &at)
-    {
-        while (at < shape.size() && shape.at(at) != ')') {
-            int end = at;
-            while (end < shape.size() && !QString("(),").contains(shape.at(end)))
-                ++end;
-            QStringList values = shape.mid(at, end - at).split('=');
-            while (values.size() < headers.size())
-                values << QString("");
-            auto *item = new ZuTreeItem(cells(values.mid(0, headers.size())), parent);
-            parent->childItems.append(item);
-            at = end;
-            if (at < shape.size() && shape.at(at) == '(') {
-                parse(item, ++at);
-                ++at; // ')'
-            }
-            if (at < shape.size() && shape.at(at) == ',')
-                ++at;
-        }
+        const bool selection = role == Qt::UserRole + 1; // the proxies' selection role
+        return selection ? QVariant("selected " + text) : Base::data(index, role);
     }
 };
 
 using TestTree = TestTreeOf<ZuTreeModel>;
-using TestRowEditTree = TestTreeOf<ZuTreeRowEditModel>;
 
-// "0/1" is row 1 under top-level row 0; "-" is the root (the invalid index).
 inline QModelIndex at(const QAbstractItemModel &model, const QString &path, int column = 0)
 {
     QModelIndex index;
@@ -96,7 +68,6 @@ inline QModelIndex at(const QAbstractItemModel &model, const QString &path, int 
     return index;
 }
 
-// The tree under @p parent of any model in the shape's form.
 inline QString dump(const QAbstractItemModel &model, const QModelIndex &parent = QModelIndex())
 {
     QStringList rows;
@@ -109,18 +80,13 @@ inline QString dump(const QAbstractItemModel &model, const QModelIndex &parent =
                     + (value != cell.data(ZuAbstractTableModel::PreviousValueRole) ? "*" : "");
         }
         const QModelIndex first = model.index(r, 0, parent);
-        const QString children = model.rowCount(first) ? "(" + dump(model, first) + ")" : "";
-        rows << values.join('=') + children;
+        rows << values.join('=') + (model.rowCount(first) ? "(" + dump(model, first) + ")" : "");
     }
     return rows.join(',');
 }
 
-// QAbstractItemModelTester's rule that a parent with rows gives valid child
-// indexes doesn't hold for a ZuTreeModel: rowCount() counts a node's children
-// under every column of its row, while index() gives them under column 0 only,
-// both as specified (tst_zutreemodel's structure() tests them directly). The
-// tester looks at the model through this identity proxy, which hides just
-// that: it counts no rows under other columns.
+// A ZuTreeModel counts children under every column but indexes them under column 0 only;
+// QAbstractItemModelTester wants both to agree, so it looks through this proxy.
 class ColumnZeroRows : public QIdentityProxyModel
 {
 public:
