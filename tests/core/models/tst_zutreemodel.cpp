@@ -84,51 +84,42 @@ void tst_ZuTreeModel::item()
     QVERIFY(root.insertChildren(0, 1, 2));
     QVERIFY(root.child(0)->setData(1, "first", true));
     QVERIFY(root.insertChildren(0, 2, 2)); // both ahead of the existing row
-    QCOMPARE(root.child(2)->data(1), QVariant("first"));
-    QVERIFY(!root.insertChildren(4, 0, 2));
-    QVERIFY(!root.child(-1) && !root.child(root.childCount()));
+    QVERIFY(!root.insertChildren(4, 0, 2) && !root.child(3));
     ZuTreeItem *leaf = root.child(2);
+    QCOMPARE(leaf->data(1), QVariant("first"));
     QVERIFY(!leaf->setData(1, "first", false)); // unchanged: no change signal follows
     QVERIFY(leaf->setData(1, "edited", false) && leaf->previousData(1) == "first");
-    QVERIFY(leaf->setData(1, "edited", true) && leaf->previousData(1) == "edited");
     QVERIFY(root.insertColumns(1, 1) && leaf->data(2) == "edited");
     QVERIFY(!root.removeColumns(1, 2) && root.removeColumns(0, 2));
     QVERIFY(!root.removeColumns(0, 1) && leaf->columnCount() == 1); // no descent on refusal
     QVERIFY(leaf->setParent(root.child(0), 0) && leaf->row() == 0 && root.childCount() == 2);
-    QVERIFY(!root.movePossible(0, 1, 1));
-    QVERIFY(!root.removeChildren(1, 2));
+    QVERIFY(!root.movePossible(0, 1, 1) && !root.removeChildren(1, 2));
     QVERIFY(root.removeChildren(0, 1) && root.childCount() == 1); // the moved leaf went with it
 }
 
 void tst_ZuTreeModel::structure()
 {
     TestTree model;
-    QCOMPARE(model.columnCount(), 0);
     QVERIFY(!model.insertRows(0, 1)); // no root yet
     model.shape = shape;
     model.refresh(); // setupModelData() makes the root
     const QModelIndex a = at(model, "0/0");
     const QModelIndex value = at(model, "0/0", 1);
-    QVERIFY(!model.index(0, 0, value).isValid()); // only column 0 has children
-    QCOMPARE(model.rowCount(value), 2); // ... though every column counts them,
+    QVERIFY(!model.index(0, 0, value).isValid()); // only column 0 has children,
+    QCOMPARE(model.rowCount(value), 2); // though every column counts them,
     QVERIFY(!model.hasChildren(value) && model.hasChildren(a)); // unlike hasChildren()
     QCOMPARE(model.parent(model.index(1, 1, a)), a);
-    QVERIFY(!model.parent(at(model, "1")).isValid());
-    QVERIFY(!model.index(3, 0).isValid());
-    QStandardItemModel foreign(4, 4);
+    QStandardItemModel foreign(1, 1);
     QVERIFY(!model.parent(foreign.index(0, 0)).isValid());
     QVERIFY(!model.setData(foreign.index(0, 0), "x"));
-    QCOMPARE(model.getItem(foreign.index(0, 0)), model.rootItem);
     QVERIFY(!model.setData(a, "x", Qt::DisplayRole));
     QCOMPARE(model.flags(QModelIndex()), Qt::NoItemFlags);
     QCOMPARE(model.headerData(1, Qt::Horizontal), QVariant("value"));
-    QVERIFY(!model.headerData(1, Qt::Horizontal, Qt::EditRole).isValid());
     QVERIFY(!model.headerData(0, Qt::Vertical).isValid());
     QCOMPARE(model.itemInvalidReason(a), "No reason given - reimp ZuTreeModel::itemInvalidReason");
     model.setReadOnly(true); // advice only
     QCOMPARE(model.data(a, Roles::ItemEditableRole), QVariant(0));
     QVERIFY(model.flags(a) & Qt::ItemIsEditable);
-    QCOMPARE(model.data(a, Roles::ModelOptionsRole), QVariant(1));
     QCOMPARE(model.data(QModelIndex(), Roles::ModelNameRole), QVariant("Tree"));
 }
 
@@ -161,7 +152,7 @@ void tst_ZuTreeModel::roles()
     QCOMPARE(model.data(first, Roles::RowValidRole), QVariant(false)); // "bad" in column 1
     QCOMPARE(model.data(second, Roles::RowValidRole), QVariant(true));
     QCOMPARE(model.data(first, Roles::ItemEmptyTextRole), QVariant(QString("")));
-    QVERIFY(!model.data(first, 270).isValid());
+    QCOMPARE(model.data(first, Roles::ModelOptionsRole), QVariant(options));
     if (itemOptions < 0)
         QCOMPARE(model.data(first, Roles::ItemOptionsRole),
                  QVariant((options & 8 ? 2 : 0) + (options & 16 ? 1 : 0)));
@@ -286,37 +277,29 @@ void tst_ZuTreeModel::operations()
 void tst_ZuTreeModel::refreshLog_data()
 {
     QTest::addColumn<int>("slowMs");
-    QTest::addColumn<QStringList>("log"); // "level pattern"
-    const QString finished = "========T> Tree Finished\\. Time=(\\d+)ms Rows=3";
-    QTest::newRow("fast") << 0
-                          << QStringList { "1 <T======== Tree::refresh\\(\\)", "0 " + finished };
-    QTest::newRow("slow") << 120
-                          << QStringList { "1 <T======== Tree::refresh\\(\\)",
-                                           "3 " + finished
-                                               + " \\*\\*\\* Potentially slow Tree Refresh!" };
+    QTest::addColumn<QString>("finished"); // the second line, after its level
+    const QString done = "========T> Tree Finished\\. Time=(\\d+)ms Rows=3";
+    QTest::newRow("fast") << 0 << "0 " + done;
+    QTest::newRow("slow") << 120 << "3 " + done + " \\*\\*\\* Potentially slow Tree Refresh!";
 }
 
 void tst_ZuTreeModel::refreshLog()
 {
     QFETCH(int, slowMs);
-    QFETCH(QStringList, log);
+    QFETCH(QString, finished);
     TestTree model(shape);
     model.slowMs = slowMs;
     zutest::LogCapture capture;
     model.refresh();
-    const QList<zutest::LogRecord> records = capture.records();
-    QCOMPARE(records.size(), log.size());
-    for (int i = 0; i < log.size(); ++i) {
-        const QString line
-            = QString::number(records.at(i).level) + ' ' + records.at(i).message.trimmed();
-        const QRegularExpressionMatch match = QRegularExpression("^" + log.at(i) + "$").match(line);
-        QVERIFY2(match.hasMatch(), qPrintable(line));
-        if (match.lastCapturedIndex() == 1) // the time told is the time taken, give or take
-            QCOMPARE(match.captured(1).toInt() >= 100, slowMs >= 100);
-    }
+    QStringList lines;
+    for (const zutest::LogRecord &record : capture.records())
+        lines << QString::number(record.level) + ' ' + record.message.trimmed();
+    const QRegularExpression expected("^1 <T======== Tree::refresh\\(\\)\n" + finished + "$");
+    const QRegularExpressionMatch match = expected.match(lines.join('\n'));
+    QVERIFY2(match.hasMatch(), qPrintable(lines.join('\n')));
+    QCOMPARE(match.captured(1).toInt() >= 100, slowMs >= 100); // the time taken, give or take
     ZuTreeModel plain;
     plain.setObjectName("Plain");
-    capture.clear();
     plain.refresh();
     QVERIFY(capture.contains(Logger::Warning,
                              "\"Plain\" ZuTreeModel::setupModelData() Not Implemented!"));
@@ -324,8 +307,7 @@ void tst_ZuTreeModel::refreshLog()
 
 void tst_ZuTreeModel::underModelTester()
 {
-    // refresh() of a model with rows removes them inside its reset, which Qt 6's
-    // tester takes for a change nested in a reset: here a clear() comes first.
+    // refresh() removes rows inside its reset, which Qt 6's tester reports: clear() comes first.
     TestTree model(shape);
     ColumnZeroRows checked(&model);
     QAbstractItemModelTester tester(&checked,
@@ -342,8 +324,7 @@ void tst_ZuTreeModel::underModelTester()
 
 void tst_ZuTreeModel::inTreeView()
 {
-    // A view's own submit() and revert() (Enter, Escape, a row change) would
-    // reach the first subtree; the manual-submit proxy keeps them from the batch.
+    // The view's own submit() and revert() would reach the first subtree; the proxy stops them.
     TestTree model(shape);
     model.refresh();
     ZuManualSubmitProxyModel manual;
@@ -373,8 +354,6 @@ void tst_ZuTreeModel::inTreeView()
     QCOMPARE(view.indexAt(view.visualRect(moved).center()), moved);
     manual.revertAll();
     QCOMPARE(dump(model), QString("A=1(a=2(x=3,y=4,c=7(z=8)),b=5),B=6,C=9"));
-    QVERIFY(model.removeRows(0, 3));
-    QCOMPARE(view.model()->rowCount(), 0);
 }
 
 ZU_TEST_MAIN(tst_ZuTreeModel)
