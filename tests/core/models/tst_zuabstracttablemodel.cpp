@@ -14,7 +14,7 @@ using Model = ZuAbstractTableModel;
 namespace {
 
 // Columns a, b, c unless told otherwise. Column 2 is not editable, a cell
-// holding "bad" is invalid, one holding "note" has a note, inserts can be refused.
+// holding "note" has a note and is invalid, inserts can be refused.
 class Table : public Model
 {
 public:
@@ -31,7 +31,7 @@ public:
         return !refuseInserts && Model::insertRows(row, count, parent);
     }
     int itemIsEditable(const QModelIndex &index) const override { return index.column() != 2; }
-    bool itemIsValid(const QModelIndex &index) const override { return index.data() != "bad"; }
+    bool itemIsValid(const QModelIndex &index) const override { return index.data() != "note"; }
     QVariant data(const QModelIndex &index, int role) const override
     {
         if (role == ItemNoteRole && Model::data(index, Qt::EditRole) == "note")
@@ -159,21 +159,22 @@ void tst_ZuAbstractTableModel::roles()
     QFETCH(int, itemOptions);
     QFETCH(QVariant, hint);
     Table model { QFlags<ZuCore::ModelOption>(options) };
-    QVERIFY(model.insertFromStringsList({ { "note", "ok", "bad" }, { "n", "ok", "z" } }));
+    QVERIFY(model.insertFromStringsList({ { "a", "ok", "note" }, { "n", "ok", "z" } }));
     QCOMPARE(answers(model, {},
                      { Model::ModelNameRole, Model::ModelOptionsRole, Model::ItemOptionsRole }),
              QVariantList({ "ZuAbstractTableModel", options, QVariant() }));
-    QCOMPARE(answers(model, model.index(0, 0),
-                     { Model::ItemOptionsRole, Model::ItemHintRole, 270, Qt::ToolTipRole }),
-             QVariantList({ itemOptions, hint, QVariant(), QVariant() }));
-    QVERIFY(!model.data(model.index(1, 0), Model::ItemHintRole).isValid()); // no note
-    const QModelIndex fixed = model.index(0, 2);
-    QVERIFY(model.flags(fixed) & Qt::ItemIsEditable); // even where the item check says no
-    QCOMPARE(answers(model, fixed,
-                     { Model::ItemEditableRole, Model::ItemValidRole, Model::RowValidRole,
-                       Model::ItemEmptyTextRole, Qt::DisplayRole }),
-             QVariantList({ 0, false, false, "", "bad" }));
-    QCOMPARE(model.data(model.index(1, 2), Model::RowValidRole), QVariant(true));
+    const QModelIndex noted = model.index(0, 2);
+    QVERIFY(model.flags(noted) & Qt::ItemIsEditable); // even where the item check says no
+    QCOMPARE(answers(model, noted,
+                     { Model::ItemOptionsRole, Model::ItemHintRole, Model::ItemEditableRole,
+                       Model::ItemValidRole, Model::ItemEmptyTextRole, Qt::DisplayRole, 270,
+                       Qt::ToolTipRole }),
+             QVariantList({ itemOptions, hint, 0, false, "", "note", QVariant(), QVariant() }));
+    // Row 0 is invalid through column 2 alone; row 1 is valid and has no note.
+    QCOMPARE(answers(model, model.index(0, 0), { Model::RowValidRole, Model::ItemValidRole }),
+             QVariantList({ false, true }));
+    QCOMPARE(answers(model, model.index(1, 2), { Model::RowValidRole, Model::ItemHintRole }),
+             QVariantList({ true, QVariant() }));
     QVERIFY(model.setData(model.index(1, 0), "m"));
     QCOMPARE(
         answers(model, model.index(1, 0), { Model::PreviousValueRole, Model::PreviousValueRole2 }),
