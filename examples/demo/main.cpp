@@ -1,14 +1,18 @@
-// The demo of zucore's table model: rows loaded from JSON, edits that can be
+// The demo of zucore's models: a table loaded from JSON whose edits can be
 // submitted or reverted, shown sorted by two columns and searched through a
 // sort/filter proxy, then saved, reverted and opened again as a JSON document
-// with a lock file. Headless it prints each step; with --gui it opens a table
-// view with a search field, Submit and Revert in its menu and tool bar, and a
-// File menu. Its log goes to demo.log, a new file each day, the last seven kept.
-// The headless run ends with a WAV file written and read back, and the table's
-// JSON scrambled and restored.
+// with a lock file; a tree with staged edits, searched through the tree proxy,
+// the distinct values of a column and a read-only view. Headless it prints each
+// step; with --gui it opens a table view with a search field, Submit and Revert
+// in its menu and tool bar, and a File menu, and a window for the tree. Its log
+// goes to demo.log, a new file each day, the last seven kept. The headless run
+// ends with a WAV file written and read back, and the table's JSON scrambled
+// and restored.
 #include "CustomerDocument.h"
 #include "CustomerModel.h"
 #include "DemoWindow.h"
+#include "TaskTreeModel.h"
+#include "TreeWindow.h"
 
 #include <zucore/Logger.h>
 #include <zucore/LoggerRollingFileAppender.h>
@@ -209,9 +213,13 @@ int main(int argc, char *argv[])
         return 1;
     CustomerDocument document(&model);
     if (!app.arguments().contains(QStringLiteral("--gui")))
-        return runHeadless(model, document);
+        return runHeadless(model, document) | runTreeHeadless(out(), model);
 
     DemoWindow window(&model, &document);
     window.show();
+    TaskTreeModel tasks;
+    tasks.refresh();
+    TreeWindow treeWindow(&tasks, &model);
+    treeWindow.show();
     return app.exec();
 }

@@ -36,6 +36,10 @@ namespace {
 // globalInstance() already find a working lock.
 QReadWriteLock globalInstanceLock;
 Logger *globalInstancePtr = nullptr;
+// The same pointer for the common case, read without the lock: the instance outlives every
+// statement (other threads stop logging before the clean-up), and only its creation and
+// clean-up, under the write lock, change it.
+std::atomic<Logger *> globalInstanceLive { nullptr };
 // Printed once per process, whichever logger finds itself without appenders.
 std::atomic_bool noAppendersWarningPrinted { false };
 
@@ -126,6 +130,7 @@ void cleanupLoggerGlobalInstance()
     ZuLoggerLocks::WriteLocker locker(&globalInstanceLock);
     // An appender's destructor that raises a Qt message must not ask for this lock again.
     AppenderScope scope;
+    globalInstanceLive.store(nullptr, std::memory_order_release);
     delete globalInstancePtr;
     globalInstancePtr = nullptr;
     // The next statement makes a fresh global logger.
@@ -202,6 +207,8 @@ Logger::~Logger()
 
 Logger *Logger::globalInstance()
 {
+    if (Logger *live = globalInstanceLive.load(std::memory_order_acquire))
+        return live;
     {
         ZuLoggerLocks::ReadLocker locker(&globalInstanceLock);
         if (globalInstancePtr)
@@ -213,6 +220,7 @@ Logger *Logger::globalInstance()
         globalInstancePtr = new Logger;
         qInstallMessageHandler(qtLoggerMessageHandler);
         qAddPostRoutine(cleanupLoggerGlobalInstance);
+        globalInstanceLive.store(globalInstancePtr, std::memory_order_release);
     }
     return globalInstancePtr;
 }

@@ -179,25 +179,31 @@ void padField(QString &result, int start, int fieldWidth)
     }
 }
 
-// The clean-up of a signature costs more than the rest of a record's format walk, and a
-// thread tends to log from the same function many times in a row. Each thread keeps the last
-// signature it cleaned, compared by its text (a caller may reuse one buffer for other texts).
+// The clean-up of a signature costs more than the rest of a record's format walk, and an
+// application logs from a limited set of functions. Each thread keeps the clean names of the
+// call sites it met last, found by the signature's address and confirmed by its text (a caller
+// may reuse one buffer for other texts). It depends on the signature alone, not on the pattern.
 QString cleanFunctionName(const char *function)
 {
-    struct LastName
+    struct Site
     {
+        const char *address = nullptr;
         QByteArray signature;
         QString name;
     };
-    // Starts as the empty signature, whose clean name is empty.
-    thread_local LastName last;
+    constexpr int SiteCount = 64;
+    thread_local Site sites[SiteCount];
     if (!function)
         function = "";
-    if (last.signature != function) {
-        last.name = LoggerAbstractStringAppender::stripFunctionName(function);
-        last.signature = function;
+    const quintptr a = quintptr(function);
+    Site &site = sites[((a >> 3) ^ (a >> 9)) % SiteCount];
+    // glibc's strcmp reads the text a vector at a time; QByteArray's comparison a byte at a time.
+    if (site.address != function || std::strcmp(site.signature.constData(), function) != 0) {
+        site.name = LoggerAbstractStringAppender::stripFunctionName(function);
+        site.signature = function;
+        site.address = function;
     }
-    return last.name;
+    return site.name;
 }
 
 } // namespace

@@ -41,7 +41,9 @@ bool LoggerFileAppender::openFile()
         return false;
     if (m_logFile.isOpen())
         return true;
-    if (m_logFile.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
+    // Unbuffered: each record is flushed anyway, so QFile's buffer would only add a copy.
+    if (m_logFile.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text
+                       | QIODevice::Unbuffered)) {
         m_logStream.setDevice(&m_logFile);
         return true;
     }

@@ -1,13 +1,10 @@
-#include "platform/NaturalCompare.h"
+#include "ZuProxyShared_p.h"
 
 #include <zucore/Logger.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
 #include <QFont>
-#include <QHash>
 #include <QMap>
-#include <QMetaMethod>
-#include <QRegularExpression>
 
 #include <algorithm>
 #include <vector>
@@ -26,26 +23,9 @@ public:
         : q(proxy)
     { }
 
-    // The compiled form of a pattern, made once and shared by every cell and
-    // row of the filter passes that use it.
-    const QRegularExpression &compiled(const QString &pattern)
-    {
-        auto it = compiledPatterns.constFind(pattern);
-        if (it == compiledPatterns.cend())
-            it = compiledPatterns.insert(
-                pattern, QRegularExpression(pattern, QRegularExpression::CaseInsensitiveOption));
-        return *it;
-    }
-
     bool matches(const QString &pattern, const QModelIndex &cell)
     {
-        const QRegularExpression &expression = compiled(pattern);
-        // An expression that doesn't compile matches nothing; asking QString
-        // would also warn once per cell.
-        if (!expression.isValid())
-            return false;
-        const QString text = cell.model()->data(cell, Qt::DisplayRole).toString();
-        return text.indexOf(expression, 0) != -1;
+        return patterns.matches(pattern, cell.model()->data(cell, Qt::DisplayRole).toString());
     }
 
     int selectionRoleColumn = 1;
@@ -60,13 +40,11 @@ public:
     QList<int> sortColumns;
     ZuSortFilterProxyModel *q;
 
-    QHash<QString, QRegularExpression> compiledPatterns;
+    ZuProxyShared::PatternCache patterns;
 
     // The sort columns changed since the last sort(): the same sort() must still re-sort.
     bool sortColumnsChanged = false;
     QMetaObject::Connection sourceDataChanged;
-
-    void placeEditedRows(const QModelIndex &topLeft, const QModelIndex &bottomRight);
 
     // The place of every source row in the order of the sort columns, worked out once for a
     // whole sort from display texts read once per row, instead of reading two rows' texts for
@@ -157,58 +135,6 @@ template<typename Sort> void ZuSortFilterProxyModelPrivate::sortNow(int column, 
     sortRanks = SortRanks();
 }
 
-// The base class re-places a changed row only when the change covers the column last given to
-// sort(), while the order depends on every sort column. A change of another sort column is
-// handed to the base class's own handling once more, widened to that column, so that it
-// re-places those rows as it does for its sort column (one row costs a binary search, not a
-// sort). Should that handling ever be missing, the whole order is rebuilt instead.
-void ZuSortFilterProxyModelPrivate::placeEditedRows(const QModelIndex &topLeft,
-                                                    const QModelIndex &bottomRight)
-{
-    const int sortColumn = q->sortColumn();
-    if (!q->dynamicSortFilter() || sortColumn < 0 || sortColumns.isEmpty() || !topLeft.isValid()
-        || !bottomRight.isValid())
-        return;
-    if (topLeft.column() <= sortColumn && sortColumn <= bottomRight.column())
-        return; // placed already
-    const bool touchesOrder
-        = std::any_of(sortColumns.cbegin(), sortColumns.cend(), [&](int column) {
-              return topLeft.column() <= column && column <= bottomRight.column();
-          });
-    if (!touchesOrder)
-        return;
-
-    static const QMetaMethod baseHandler = [] {
-        const QMetaObject &base = QSortFilterProxyModel::staticMetaObject;
-        for (int i = base.methodOffset(); i < base.methodCount(); ++i) {
-            if (base.method(i).name() == "_q_sourceDataChanged"
-                && base.method(i).parameterCount() == 3)
-                return base.method(i);
-        }
-        return QMetaMethod();
-    }();
-    const QAbstractItemModel *source = topLeft.model();
-    const QModelIndex first
-        = source->index(topLeft.row(), qMin(topLeft.column(), sortColumn), topLeft.parent());
-    const QModelIndex last = source->index(
-        bottomRight.row(), qMax(bottomRight.column(), sortColumn), bottomRight.parent());
-    const QVector<int> allRoles;
-    if (!baseHandler.isValid() || !first.isValid() || !last.isValid()
-        || !baseHandler.invoke(
-            q, Qt::DirectConnection, Q_ARG(QModelIndex, first), Q_ARG(QModelIndex, last),
-            QGenericArgument(baseHandler.parameterTypes().at(2).constData(), &allRoles)))
-        q->invalidate();
-}
-
-namespace {
-
-QString displayText(const QAbstractItemModel *model, const QModelIndex &index)
-{
-    return index.isValid() ? model->data(index, Qt::DisplayRole).toString() : QString();
-}
-
-} // namespace
-
 ZuSortFilterProxyModel::ZuSortFilterProxyModel(QObject *parent)
     : QSortFilterProxyModel(parent)
     , d(new ZuSortFilterProxyModelPrivate(this))
@@ -225,11 +151,11 @@ void ZuSortFilterProxyModel::setSourceModel(QAbstractItemModel *source)
     QSortFilterProxyModel::setSourceModel(source);
     // Connected after the base class, so that its own handling of a change comes first.
     if (source)
-        d->sourceDataChanged
-            = connect(source, &QAbstractItemModel::dataChanged, this,
-                      [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
-                          d->placeEditedRows(topLeft, bottomRight);
-                      });
+        d->sourceDataChanged = connect(
+            source, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
+                ZuProxyShared::placeEditedRows(this, d->sortColumns, topLeft, bottomRight);
+            });
 }
 
 void ZuSortFilterProxyModel::sort(int column, Qt::SortOrder order)
@@ -373,7 +299,7 @@ void ZuSortFilterProxyModel::setSearchString(const QString &text, bool inverted)
                 d->searchStrings.insert(column, text);
         }
     }
-    d->compiledPatterns.clear();
+    d->patterns.clear();
     // Qt's invalidateFilter() removes and inserts every run of rows that leaves or enters on its
     // own, and rebuilds the whole mapping for each: quadratic when matches and misses alternate.
     // The mapping is rebuilt once instead (a layout change that keeps persistent indexes of the
@@ -404,7 +330,7 @@ void ZuSortFilterProxyModel::addFilterFixedString(int column, const QString &tex
         return;
     *it = text;
     // Patterns no longer in use would only pile up.
-    d->compiledPatterns.clear();
+    d->patterns.clear();
 }
 
 QModelIndex ZuSortFilterProxyModel::matchValue(const QVariant &value, int column, int role) const
@@ -613,17 +539,7 @@ bool ZuSortFilterProxyModel::lessThan(const QModelIndex &left, const QModelIndex
         if (const int *rightRank = d->rankOf(right))
             return *leftRank < *rightRank;
     }
-    if (d->sortColumns.isEmpty())
-        return ZuPlatform::naturalCompare(displayText(source, left), displayText(source, right))
-            == -1;
-    for (const int column : qAsConst(d->sortColumns)) {
-        const int order = ZuPlatform::naturalCompare(
-            displayText(source, source->index(left.row(), column, QModelIndex())),
-            displayText(source, source->index(right.row(), column, QModelIndex())));
-        if (order == -1)
-            return true;
-        if (order != 0)
-            return false;
-    }
-    return false;
+    // The source is flat: every sort column's cells lie under the invalid index.
+    return ZuProxyShared::naturalLessThan(source, left, right, d->sortColumns, QModelIndex(),
+                                          QModelIndex());
 }

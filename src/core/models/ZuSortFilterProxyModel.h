@@ -136,6 +136,9 @@ public:
      * Replaces every search pattern by @p text, one pattern per search column
      * (every column when searchColumns() is empty), re-filters and emits
      * dataChanged() with invalid indexes. An empty @p text clears the search.
+     * Views hear of the new rows as one layout change (the mapping is rebuilt
+     * once, in time linear in the rows); persistent indexes of rows that stay
+     * keep their rows.
      * The text is one regular expression, not split into words; with
      * @p inverted, rows matching it in any searched column are dropped.
      */
