@@ -1,5 +1,6 @@
 #include "support/CapturingAppender.h"
 #include "support/ModalAnswerer.h"
+#include "support/TestFiles.h"
 #include "support/Unprivileged.h"
 #include "support/ZuTest.h"
 
@@ -7,22 +8,11 @@
 
 #include <QDesktopServices>
 
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
-QByteArray contentOf(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-}
-
-void writeFile(const QString &fileName, const QByteArray &data)
-{
-    QFile file(fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
-}
+using zutest::contentOf;
+using zutest::writeFile;
 
 bool saveAs(bool binary, const QString &fileName, const QByteArray &content)
 {
@@ -204,16 +194,15 @@ void tst_ZuFileUtils::save()
 // A write that fails half-way keeps the old file intact; only the binary save answers false.
 void tst_ZuFileUtils::fullDisk()
 {
-    std::signal(SIGXFSZ, SIG_IGN); // the write fails instead of ending the process
-    rlimit limit;
-    QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    const rlimit full = { 4096, limit.rlim_max }; // 4 KiB
     const QByteArray old(3000, 'o'); // fits under the limit, the new content doesn't
     for (bool binary : { true, false }) {
         writeFile("full.dat", old);
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &full), 0);
-        const bool saved = saveAs(binary, "full.dat", QByteArray(64 * 1024, 'n'));
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        bool saved = false;
+        {
+            zutest::FileSizeLimit full(4096);
+            QVERIFY(full.ok());
+            saved = saveAs(binary, "full.dat", QByteArray(64 * 1024, 'n'));
+        }
         QCOMPARE(saved, !binary);
         QCOMPARE(contentOf("full.dat"), old);
         QCOMPARE(QDir().entryList(QDir::Files | QDir::Hidden).filter("full").size(), 1);
