@@ -162,8 +162,7 @@ void tst_ZuTreeModel::operations_data()
 {
     QTest::addColumn<QString>("steps");
     QTest::addColumn<bool>("ok");
-    QTest::addColumn<QString>(
-        "tree"); // afterwards: "" the shape, "old>new;..." it changed, "-" none
+    QTest::addColumn<QString>("tree"); // "": the shape; "old>new;...": it changed; "-": none
     QTest::addColumn<QString>("notes"); // notifications (set: dataChanged), each with isDirty()
     auto row = [](const char *name, const char *steps, bool ok, const char *tree,
                   const char *notes) { QTest::newRow(name) << steps << ok << tree << notes; };
