@@ -9,7 +9,6 @@
 #include <QProcess>
 #include <QRegularExpression>
 
-#include <fcntl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -39,18 +38,6 @@ struct NamedAppender : LoggerAbstractAppender
     }
     QString name;
 };
-
-// Points the descriptor that holds @p fileName at a read-only one: later writes fail.
-bool makeUnwritable(const QString &fileName)
-{
-    const QString target = QFileInfo(fileName).canonicalFilePath();
-    const int readOnly = ::open("/dev/null", O_RDONLY);
-    for (const QString &fd : QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System)) {
-        if (QFileInfo("/proc/self/fd/" + fd).canonicalFilePath() == target)
-            return ::dup2(readOnly, fd.toInt()) >= 0 && ::close(readOnly) == 0;
-    }
-    return false;
-}
 
 void put(Logger *logger, const char *category, const char *message)
 {
@@ -155,8 +142,7 @@ void tst_Logger::registrationAndOwnership()
     logger->registerCategoryAppender(QStringLiteral("b"), new NamedAppender("newer"));
     put(logger, "b", "newest first");
     put(logger, nullptr, "main");
-    const QByteArray warning = "Trying to register appender that was already registered\n";
-    QCOMPARE(err.take(), warning + warning);
+    QCOMPARE(err.take().count("Trying to register appender that was already registered\n"), 2);
     QCOMPARE(sink, QStringList({ "newer", "older", "a" }));
 
     // Removed from both lists: no longer written to, and not deleted by the logger.
@@ -234,7 +220,7 @@ void tst_Logger::messagesFromInsideAnAppender_data()
     QTest::addColumn<QByteArray>("appender");
     QTest::newRow("qWarning") << QByteArray("qt");
     QTest::newRow("log statement") << QByteArray("log");
-    QTest::newRow("file becomes unwritable") << QByteArray("file");
+    QTest::newRow("file that cannot be written") << QByteArray("file");
 }
 
 // A message raised on the thread that runs an appender would wait for a mutex the thread
@@ -243,14 +229,11 @@ void tst_Logger::messagesFromInsideAnAppender()
 {
     QFETCH(QByteArray, appender);
     LogCapture capture;
-    LoggerAbstractAppender *inner = new NamedAppender(appender.constData());
-    if (appender == "file") {
-        delete inner;
-        auto *file = new LoggerFileAppender("unwritable.log");
-        file->write(QDateTime::currentDateTime(), Logger::Info, "f.cpp", 1, "void f()", {}, "open");
-        QVERIFY(makeUnwritable("unwritable.log"));
-        inner = file;
-    }
+    LoggerAbstractAppender *inner = nullptr;
+    if (appender == "file")
+        inner = new LoggerFileAppender("/dev/full"); // opens, then every write fails
+    else
+        inner = new NamedAppender(appender.constData());
     cuteLoggerInstance()->registerAppender(inner);
     StderrCapture err;
     put(cuteLoggerInstance(), nullptr, "outer");
@@ -261,8 +244,7 @@ void tst_Logger::messagesFromInsideAnAppender()
     QCOMPARE(capture.messages(), QStringList({ "outer", "outer" }));
     const QRegularExpression line("^\\[Warn   \\] <[^>]*> inner \"?outer\"? ?$",
                                   QRegularExpression::MultilineOption);
-    if (appender != "file")
-        QVERIFY2(text.count(line) == 2 && text.count('\n') == 2, qPrintable(text));
+    QCOMPARE(text.count(line), appender == "file" ? 0 : 2);
 }
 
 void tst_Logger::childProcess_data()
