@@ -44,14 +44,12 @@ const struct { const char *name, *pattern; int level; const char *file, *expecte
 };
 
 const char *const cleanupRows[][3] = {
-    { "method", "bool ZuProcess::exec(const QString&)", "ZuProcess::exec" },
     { "template", "QList<int> Foo<T>::baz() const [with T = int]", "Foo::baz" },
     { "operator()", "bool Foo::operator()(int)", "Foo::operator()" },
     { "lambda in template", "auto Foo<int>::run()::<lambda(const QString&)>", "Foo::run::lambda" },
     { "function pointer result", "void (*Foo::handler(int))(double)", "(*Foo::handler" },
     { "empty", "", "" }, // malformed ones come back as far as the clean-up got
     { "open argument list", "void f(int", "void f(int" },
-    { "null", nullptr, "" },
 };
 // clang-format on
 
@@ -149,17 +147,19 @@ void tst_LoggerAppenders::formattedString()
 void tst_LoggerAppenders::detailsLevel_data()
 {
     QTest::addColumn<QString>("details"); // by name; null keeps the initial level
-    QTest::addColumn<int>("lowest"); // the lowest level let through
-    QTest::newRow("initial") << QString() << 1;
-    QTest::newRow("trace") << "Trace" << 0;
-    QTest::newRow("warning") << " warning" << 3;
-    QTest::newRow("unknown name") << "warn" << 1;
+    QTest::addColumn<QString>("taken");
+    QTest::newRow("initial") << QString() << "1,2,3,4,5";
+    QTest::newRow("trace") << "Trace"
+                           << "0,1,2,3,4,5";
+    QTest::newRow("warning") << " warning"
+                             << "3,4,5";
+    QTest::newRow("unknown name") << "warn"
+                                  << "1,2,3,4,5";
 }
 
 void tst_LoggerAppenders::detailsLevel()
 {
     QFETCH(QString, details);
-    QFETCH(int, lowest);
     zutest::CapturingAppender appender;
     if (!details.isNull()) {
         appender.setDetailsLevel(Logger::Fatal);
@@ -167,9 +167,7 @@ void tst_LoggerAppenders::detailsLevel()
     }
     for (int level = Logger::Trace; level <= Logger::Fatal; ++level)
         writeRecord(appender, QString::number(level), Logger::LogLevel(level));
-    QCOMPARE(appender.records().first().level, Logger::LogLevel(lowest));
-    QCOMPARE(appender.records().size(), Logger::Fatal - lowest + 1);
-    QCOMPARE(int(appender.detailsLevel()), lowest);
+    QTEST(appender.messages().join(','), "taken");
 }
 
 void tst_LoggerAppenders::console()
