@@ -44,7 +44,6 @@ void put(Logger *logger, const char *category, const char *message)
     logger->write(Logger::Info, "f.cpp", 1, "void f()", category, QString::fromLatin1(message));
 }
 
-// "level:message@category" of each record.
 QStringList summary(const QList<LogRecord> &records)
 {
     QStringList lines;
@@ -118,14 +117,12 @@ void tst_Logger::logStatements()
     }
     cuteLoggerInstance()->logToGlobalInstance(QStringLiteral("zu.qt.cat"), false);
     QStringList seen = summary(capture.records());
-    const QString timing = seen.takeLast();
+    seen.last().replace(QRegularExpression(" \\d+ ms\\."), " N ms.");
     QCOMPARE(seen,
              QStringList({ "2:hello 42 \"quoted\" @null", "3:value 7@null", "0:trace text@null",
                            "1:debug 1@null", "3:warning@null", "4:critical@null",
-                           "2:named@zu.qt.cat" }));
+                           "2:named@zu.qt.cat", "4:Function Foo::bar finished in N ms.@null" }));
     QCOMPARE(capture.records().at(0).line, line);
-    const QRegularExpression expected("^4:Function Foo::bar finished in \\d+ ms\\.@null$");
-    QVERIFY2(expected.match(timing).hasMatch(), qPrintable(timing));
 }
 
 void tst_Logger::registrationAndOwnership()
@@ -189,7 +186,6 @@ void tst_Logger::categoryRouting()
 // A statement that no appender takes is skipped whole; one that some path still needs is not.
 void tst_Logger::skippedStatements()
 {
-    Logger *global = cuteLoggerInstance();
     int evaluated = 0;
     StderrCapture err;
     LOG_TRACE() << ++evaluated; // no main appender: the record goes to standard error
@@ -198,7 +194,7 @@ void tst_Logger::skippedStatements()
 
     auto *appender = new CapturingAppender;
     appender->setDetailsLevel(Logger::Info);
-    global->registerAppender(appender);
+    cuteLoggerInstance()->registerAppender(appender);
     LOG_INFO() << "first" << ++evaluated;
     LOG_DEBUG() << "skipped" << ++evaluated;
     QCOMPARE(evaluated, 2);
@@ -209,7 +205,7 @@ void tst_Logger::skippedStatements()
         LOG_ERROR() << "not this";
     else
         LOG_WARNING("else branch");
-    global->removeAppender(appender);
+    cuteLoggerInstance()->removeAppender(appender);
     const QStringList messages = appender->messages();
     delete appender;
     QCOMPARE(messages, QStringList({ "first 2 ", "second 3 ", "else branch" }));
@@ -229,11 +225,11 @@ void tst_Logger::messagesFromInsideAnAppender()
 {
     QFETCH(QByteArray, appender);
     LogCapture capture;
-    LoggerAbstractAppender *inner = nullptr;
-    if (appender == "file")
-        inner = new LoggerFileAppender("/dev/full"); // opens, then every write fails
-    else
-        inner = new NamedAppender(appender.constData());
+    LoggerAbstractAppender *inner = new NamedAppender(appender.constData());
+    if (appender == "file") { // opens, then every write fails
+        delete inner;
+        inner = new LoggerFileAppender("/dev/full");
+    }
     cuteLoggerInstance()->registerAppender(inner);
     StderrCapture err;
     put(cuteLoggerInstance(), nullptr, "outer");
@@ -256,8 +252,7 @@ void tst_Logger::childProcess_data()
         << QByteArray("No appenders registered with logger\n[Info   ] <f> one\n"
                       "[Warn   ] <second> two\nFatal:ASSERT: \"x > 1\"\n");
     QTest::newRow("qFatal") << QByteArray("qfatal") << QByteArray("Fatal:gone 5\n");
-    QTest::newRow("LOG_FATAL that no appender takes")
-        << QByteArray("fatal-statement") << QByteArray();
+    QTest::newRow("LOG_FATAL taken by none") << QByteArray("fatal-statement") << QByteArray();
 }
 
 void tst_Logger::childProcess()
