@@ -33,7 +33,7 @@ class QLockFile;
  *
  * On disk, openFile() and saveFile() use the indented text of QJsonDocument::toJson() in UTF-8
  * without a byte order mark. loadFromJsonFile() and saveToJsonFile() also read and write the
- * binary JSON image ("qbjs"), which the Qt 5 and the Qt 6 builds of the library share.
+ * binary JSON image ("qbjs"), which every build of the library reads and writes alike.
  *
  * Failures are told to the user in QMessageBox::warning boxes without a parent (see each
  * operation) and reach the caller as false or 0. Every operation may raise a box or a dialog, so

@@ -52,8 +52,8 @@
  * - setData() and copy() give false for an index whose row holds no object
  *   (an index of another, larger model), and copy() emits no dataChanged on a
  *   model without columns, since there is no cell to name;
- * - values are compared by the rule of Qt 5's QVariant equality in every Qt
- *   build.
+ * - values of different types are compared after converting one to the
+ *   other's type ("1" equals 1), whichever Qt the library runs on.
  */
 class ZUCORE_EXPORT OldZuAbstractTableModel : public QAbstractTableModel
 {

@@ -37,8 +37,8 @@
  * - setData() gives true when the position names a field (the value is then
  *   stored) and false when it doesn't;
  * - data() and setData() also treat a negative position as outside the fields;
- * - values are compared by the rule of Qt 5's QVariant equality in every Qt
- *   build, so that "1" equals 1 whichever Qt the library runs on.
+ * - values of different types are compared after converting one to the
+ *   other's type, so that "1" equals 1 whichever Qt the library runs on.
  */
 class ZUCORE_EXPORT ZuAbstractDataObject : public QObject
 {

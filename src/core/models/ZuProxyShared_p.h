@@ -97,6 +97,24 @@ inline void placeEditedRows(QSortFilterProxyModel *proxy, const QList<int> &sort
 }
 
 /**
+ * Keeps @p proxy's rows in the order of @p sortColumns after edits of @p source (see
+ * placeEditedRows()). Call it after the base class's setSourceModel(), so that its own handling
+ * of a change comes first; disconnect the result before the source changes again.
+ */
+inline QMetaObject::Connection placeRowsOnEdit(QSortFilterProxyModel *proxy,
+                                               QAbstractItemModel *source,
+                                               const QList<int> *sortColumns)
+{
+    if (!source)
+        return {};
+    return QObject::connect(
+        source, &QAbstractItemModel::dataChanged, proxy,
+        [proxy, sortColumns](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
+            placeEditedRows(proxy, *sortColumns, topLeft, bottomRight);
+        });
+}
+
+/**
  * Search and filter patterns: case-insensitive regular expressions, unescaped,
  * matched anywhere in a text. A pattern that doesn't compile matches nothing.
  * Each distinct pattern is compiled once, at its first use, and kept until

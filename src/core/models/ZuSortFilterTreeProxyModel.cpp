@@ -44,13 +44,7 @@ void ZuSortFilterTreeProxyModel::setSourceModel(QAbstractItemModel *source)
 {
     QObject::disconnect(d->sourceDataChanged);
     QSortFilterProxyModel::setSourceModel(source);
-    // Connected after the base class, so that its own handling of a change comes first.
-    if (source)
-        d->sourceDataChanged = connect(
-            source, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex &topLeft, const QModelIndex &bottomRight) {
-                ZuProxyShared::placeEditedRows(this, d->sortColumns, topLeft, bottomRight);
-            });
+    d->sourceDataChanged = ZuProxyShared::placeRowsOnEdit(this, source, &d->sortColumns);
 }
 
 void ZuSortFilterTreeProxyModel::sort(int column, Qt::SortOrder order)

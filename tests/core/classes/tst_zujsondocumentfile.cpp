@@ -1,27 +1,17 @@
 #include "support/CapturingAppender.h"
 #include "support/ModalAnswerer.h"
+#include "support/TestFiles.h"
 #include "support/Unprivileged.h"
 #include "support/ZuTest.h"
 
 #include <zucore/ZuJsonDocumentFile.h>
 
-#include <csignal>
 #include <cstdio>
-#include <sys/resource.h>
 
 namespace {
 
-QByteArray contentOf(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
-}
-
-void writeFile(const QString &fileName, const QByteArray &data)
-{
-    QFile file(fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(data) == data.size());
-}
+using zutest::contentOf;
+using zutest::writeFile;
 
 // A document whose data is one JSON object. It notes the virtual calls that reach it, one
 // letter each: M maybeSave, C closeFile, X clearData, O getOpenFileName, S saveFile,
@@ -143,7 +133,6 @@ private Q_SLOTS:
             lock.unlock();
             _exit(0);
         }
-        std::signal(SIGXFSZ, SIG_IGN); // a write past the file size limit fails instead
         // Only root may write into the folder, but "nobody" may reach it.
         QFile::setPermissions(QDir::currentPath(), QFileDevice::Permissions(0x7755));
     }
@@ -228,10 +217,8 @@ private Q_SLOTS:
         std::unique_ptr<zutest::Unprivileged> user(has("nobody") ? new zutest::Unprivileged
                                                                  : nullptr);
         QVERIFY(!user || user->ok());
-        rlimit limit;
-        getrlimit(RLIMIT_FSIZE, &limit);
-        const rlimit full = { has("full") ? 4096 : limit.rlim_cur, limit.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &full);
+        std::unique_ptr<zutest::FileSizeLimit> full(has("full") ? new zutest::FileSizeLimit(4096)
+                                                                : nullptr);
         const int result = op == "newFile" ? doc.newFile()
             : op == "openFile"             ? doc.openFile(name)
             : op == "saveFile"             ? doc.saveFile(name)
@@ -239,7 +226,7 @@ private Q_SLOTS:
             : op == "maybeSave"            ? doc.maybeSave()
             : op == "revert"               ? doc.revert()
                                            : (doc.closeFile(), 1);
-        setrlimit(RLIMIT_FSIZE, &limit);
+        full.reset();
         user.reset();
         QCOMPARE(doc.calls, r.calls);
         QCOMPARE(result, r.result);
