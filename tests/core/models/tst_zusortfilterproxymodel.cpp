@@ -6,6 +6,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QFont>
+#include <QRegularExpression>
 #include <QStandardItemModel>
 #include <QTableView>
 
@@ -36,38 +37,31 @@ struct People : ZuSortFilterProxyModel
 };
 
 QStringList modelTesterFailures;
-void keepModelTesterFailures(QtMsgType, const QMessageLogContext &context, const QString &message)
-{
-    if (qstrcmp(context.category, "qt.modeltest") == 0)
-        modelTesterFailures << message;
-}
 
-// A QAbstractItemModelTester attached for a whole scope. Two of the proxy's required behaviours
-// break its rules, and only they may show: rowCount() ignores its parent in this flat proxy, so
-// the tester finds rows under a cell and fails to make an index there; and setSearchString()
-// announces itself with dataChanged() over invalid indexes.
+// A QAbstractItemModelTester attached for a scope. Only two rules may break: rowCount() of this
+// flat proxy ignores its parent, and setSearchString() sends dataChanged() with invalid indexes.
 class Tester
 {
 public:
-    // The global logger takes over Qt's message handler when it is made: make it first.
     explicit Tester(QAbstractItemModel *model)
-        : previous((cuteLoggerInstance(), qInstallMessageHandler(keepModelTesterFailures)))
+        : previous((cuteLoggerInstance(), // the global logger installs its handler when made
+                    qInstallMessageHandler(
+                        [](QtMsgType, const QMessageLogContext &c, const QString &message) {
+                            if (qstrcmp(c.category, "qt.modeltest") == 0)
+                                modelTesterFailures << message;
+                        })))
         , tester(model, QAbstractItemModelTester::FailureReportingMode::Warning)
     {
         modelTesterFailures.clear();
     }
-    int failures() const { return modelTesterFailures.size(); }
     ~Tester() { qInstallMessageHandler(previous); }
-    // Failures other than the two allowed ones.
+    // Failures other than the two allowed ones; none at all means it did not watch.
     QStringList unexpected() const
     {
-        QStringList left;
-        for (const QString &failure : qAsConst(modelTesterFailures)) {
-            if (!failure.contains("childIndex.isValid()") && !failure.contains("topLeft.isValid()")
-                && !failure.contains("bottomRight.isValid()"))
-                left << failure;
-        }
-        return left;
+        if (modelTesterFailures.isEmpty())
+            return { "no failure seen" };
+        return modelTesterFailures.filter(
+            QRegularExpression("^(?![\\s\\S]*(childIndex|topLeft|bottomRight)\\.isValid)"));
     }
 
 private:
@@ -89,7 +83,6 @@ private slots:
     void notAssignedRow_data();
     void notAssignedRow();
     void notAssignedRowArithmetic();
-    void modelTester();
     void cellEditRoad();
 };
 
@@ -97,35 +90,29 @@ void TestZuSortFilterProxyModel::filtering_data()
 {
     QTest::addColumn<QStringList>("filters"); // "column=pattern"
     QTest::addColumn<int>("mode");
-    QTest::addColumn<QList<int>>("searchColumns");
-    QTest::addColumn<QString>("search");
-    QTest::addColumn<bool>("inverted");
+    QTest::addColumn<QString>("search"); // a leading "!" inverts it
     QTest::addColumn<QString>("expected");
     QTest::addColumn<QStringList>("log");
-    auto row = [](const char *name, const QStringList &filters, int mode, const QList<int> &columns,
-                  const QString &search, bool inverted, const QString &expected,
-                  const QStringList &log = {}) {
-        QTest::newRow(name) << filters << mode << columns << search << inverted << expected << log;
+    auto row = [](const char *name, const QStringList &filters, int mode, const QString &search,
+                  const QString &expected, const QStringList &log = {}) {
+        QTest::newRow(name) << filters << mode << search << expected << log;
     };
-    row("search, any case", {}, 0, {}, "BERLIN", false, "alpha,gamma");
-    row("search and: dot needs every cell", {}, 1, {}, ".", false, "alpha,Beta,gamma");
-    row("inverted beats and", {}, 1, {}, "berlin", true, "Beta,delta");
-    row("unbalanced parenthesis, inverted", {}, 0, {}, "(", true, "alpha,Beta,gamma,delta");
+    row("search, any case", {}, 0, "BERLIN", "alpha,gamma");
+    row("search and: dot needs every cell", {}, 1, ".", "alpha,Beta,gamma");
+    row("inverted beats and", {}, 1, "!berlin", "Beta,delta");
+    row("unbalanced parenthesis, inverted", {}, 0, "!(", "alpha,Beta,gamma,delta");
     // Rows failing column 1 reach the missing column 7, which logs and rejects them.
-    row("filter column beyond the last", { "1=paris", "7=x" }, 0, {}, "", false, "Beta",
-        { "0", "2", "3" });
-    row("filter AND search", { "1=berlin" }, 0, {}, "gam", false, "gamma");
-    row("filters or", { "0=^b", "2=3" }, 0, {}, "", false, "Beta,gamma");
-    row("filters and", { "0=a$", "1=in" }, 1, {}, "", false, "alpha,gamma");
+    row("filter column beyond the last", { "1=paris", "7=x" }, 0, "", "Beta", { "0", "2", "3" });
+    row("filter AND search", { "1=berlin" }, 0, "gam", "gamma");
+    row("filters or", { "0=^b", "2=3" }, 0, "", "Beta,gamma");
+    row("filters and", { "0=a$", "1=in" }, 1, "", "alpha,gamma");
 }
 
 void TestZuSortFilterProxyModel::filtering()
 {
     QFETCH(QStringList, filters);
     QFETCH(int, mode);
-    QFETCH(QList<int>, searchColumns);
     QFETCH(QString, search);
-    QFETCH(bool, inverted);
     People proxy;
     Tester tester(&proxy);
     for (const QString &filter : filters) {
@@ -133,47 +120,40 @@ void TestZuSortFilterProxyModel::filtering()
         proxy.addFilterFixedString(filter.section('=', 0, 0).toInt(), filter.section('=', 1));
     }
     proxy.setFilterMode(ZuSortFilterProxyModel::FilterModes(mode));
-    proxy.setSearchColumns(searchColumns);
     zutest::LogCapture capture;
     QSignalSpy changed(&proxy, &QAbstractItemModel::dataChanged);
     QList<QPersistentModelIndex> held; // as a view's selection holds them
     for (int row = 0; row < proxy.rowCount(); ++row)
         held << proxy.index(row, 0);
     const QStringList names = visible(proxy).split(',');
-    proxy.setSearchString(search, inverted);
+    proxy.setSearchString(search.mid(search.startsWith('!')), search.startsWith('!'));
     QTEST(visible(proxy), "expected");
     for (int i = 0; i < held.size(); ++i) // rows that stay keep their indexes, the rest lose them
         QCOMPARE(held.at(i).isValid() ? held.at(i).data().toString() : QString(),
                  visible(proxy).split(',').contains(names.at(i)) ? names.at(i) : QString());
     QTEST(capture.messages(), "log"); // not even a warning for "("
-    QVERIFY(capture.records().isEmpty() || capture.records().first().level == Logger::Error);
     QCOMPARE(changed.count(), 1);
     QCOMPARE(changed.at(0).at(0).value<QModelIndex>(), QModelIndex());
     proxy.source.item(1, 1)->setText("Berlin"); // re-filtered while the tester watches
     proxy.source.appendRow(new QStandardItem("epsilon"));
     proxy.setSearchString(QString());
-    QVERIFY(tester.failures() > 0); // it did watch
     QCOMPARE(tester.unexpected(), QStringList());
 }
 
 void TestZuSortFilterProxyModel::orderFollowsSortColumns_data()
 {
-    // "columns a b" replaces the sort columns, "add a" appends one, "edit r c text" edits the
-    // source; every step is followed by sort(1), the column that the view's header shows.
+    // "columns a b" sets the sort columns, "add a" adds one, "edit r c text" edits the source;
+    // each step ends in sort(1), the column that the view's header shows.
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("city, then name") << "columns 1 0"
-                                     << "delta,alpha,gamma,Beta";
-    QTest::newRow("new columns, the same sort()") << "columns 1 0|columns 2"
-                                                  << "alpha,Beta,gamma,delta";
-    QTest::newRow("added column, the same sort()") << "columns 1|edit 0 0 zeta|add 0"
-                                                   << "delta,gamma,zeta,Beta";
-    QTest::newRow("edit of the second sort column") << "columns 1 0|edit 0 0 zeta"
-                                                    << "delta,gamma,zeta,Beta";
-    QTest::newRow("edit of the first sort column") << "columns 1 0|edit 0 1 Zurich"
-                                                   << "delta,gamma,Beta,alpha";
-    QTest::newRow("edit outside the sort columns") << "columns 1 0|edit 0 2 z0"
-                                                   << "delta,alpha,gamma,Beta";
+    auto row = [](const char *name, const char *steps, const char *expected) {
+        QTest::newRow(name) << QString(steps) << QString(expected);
+    };
+    row("city, then name", "columns 1 0", "delta,alpha,gamma,Beta");
+    row("new columns, the same sort()", "columns 1 0|columns 2", "alpha,Beta,gamma,delta");
+    row("added column, the same sort()", "columns 1|edit 0 0 zeta|add 0", "delta,gamma,zeta,Beta");
+    row("edit of the second sort column", "columns 1 0|edit 0 0 zeta", "delta,gamma,zeta,Beta");
+    row("edit of the first sort column", "columns 1 0|edit 0 1 Zurich", "delta,gamma,Beta,alpha");
 }
 
 void TestZuSortFilterProxyModel::orderFollowsSortColumns()
@@ -208,10 +188,9 @@ void TestZuSortFilterProxyModel::notAssignedRow_data()
     italic.setItalic(true);
     QTest::newRow("display, selection column") << 1 << int(Qt::DisplayRole) << QVariant("None");
     QTest::newRow("display, column 0") << 0 << int(Qt::DisplayRole) << QVariant(0);
-    QTest::newRow("display, other column") << 2 << int(Qt::DisplayRole) << QVariant();
     QTest::newRow("edit, other column") << 2 << int(Qt::EditRole) << QVariant(0);
     QTest::newRow("font, selection column") << 1 << int(Qt::FontRole) << QVariant(italic);
-    QTest::newRow("tool tip") << 1 << int(Qt::ToolTipRole) << QVariant();
+    QTest::newRow("display, other column") << 2 << int(Qt::DisplayRole) << QVariant();
 }
 
 void TestZuSortFilterProxyModel::notAssignedRow()
@@ -254,34 +233,6 @@ void TestZuSortFilterProxyModel::notAssignedRowArithmetic()
     QCOMPARE(proxy.matchValue("delta", 0, Qt::DisplayRole), proxy.index(4, 0));
 }
 
-void TestZuSortFilterProxyModel::modelTester()
-{
-    People proxy;
-    proxy.setSortColumns({ 1, 0 });
-    const QtMessageHandler previous = qInstallMessageHandler(keepModelTesterFailures);
-    {
-        // Warning mode: rowCount() ignores its parent, as this flat proxy's must,
-        // so the tester finds rows under a cell and fails to make an index there.
-        QAbstractItemModelTester tester(&proxy,
-                                        QAbstractItemModelTester::FailureReportingMode::Warning);
-        proxy.sort(1);
-        proxy.source.insertRow(1, { new QStandardItem("epsilon"), new QStandardItem("Athens") });
-        proxy.source.item(0, 1)->setText("Zurich"); // re-sorted by the dynamic sort filter
-        proxy.addFilterKeyColumn(0);
-        proxy.addFilterFixedString(0, "l");
-        proxy.invalidate();
-        proxy.sort(0, Qt::DescendingOrder);
-        proxy.source.appendRow({ new QStandardItem("lambda"), new QStandardItem("Rome") });
-        // No setSearchString(): its dataChanged() with invalid indexes breaks the
-        // tester's rule that changed indexes are valid (tested in filtering()).
-    }
-    qInstallMessageHandler(previous);
-    QCOMPARE(visible(proxy), QString("alpha,lambda,epsilon,delta"));
-    QVERIFY(!modelTesterFailures.isEmpty());
-    for (const QString &failure : qAsConst(modelTesterFailures))
-        QVERIFY2(failure.contains("childIndex.isValid()"), qPrintable(failure));
-}
-
 void TestZuSortFilterProxyModel::cellEditRoad()
 {
     // An application's table behind the proxy, edited through it as a view would.
@@ -301,17 +252,10 @@ void TestZuSortFilterProxyModel::cellEditRoad()
     QCOMPARE(visible(proxy), QString("file0,File1"));
     files.revert();
     QCOMPARE(visible(proxy), QString("File1,file2,file10"));
-
-    // With the extra row, proxy row n + 1 is source row n whatever the sort.
-    proxy.setNotAssignedRowEnabled(true);
-    QCOMPARE(proxy.rowCount(proxy.index(1, 0)), 4); // the parent plays no part
-    QCOMPARE(visible(proxy), QString("0,file10,file2,File1"));
-    QCOMPARE(proxy.mapFromSource(files.index(2, 1)), proxy.index(3, 1));
-    QVERIFY(!proxy.mapToSource(proxy.index(0, 0)).isValid());
-    QCOMPARE(int(proxy.flags(proxy.index(0, 1))), 33);
-    QCOMPARE(proxy.headerData(0, Qt::Vertical, Qt::DecorationRole), QVariant(0));
-    // Its indexes carry no mapping of the base class: the dynamic re-sort of an
+    // The extra row's indexes carry no mapping of the base class: the dynamic re-sort of an
     // edit and a view's selection must cope with them.
+    proxy.setNotAssignedRowEnabled(true);
+    QCOMPARE(int(proxy.flags(proxy.index(0, 1))), 33);
     QTableView view;
     view.setModel(&proxy);
     view.selectRow(1);
