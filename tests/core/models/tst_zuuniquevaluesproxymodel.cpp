@@ -102,7 +102,7 @@ void tst_ZuUniqueValuesProxyModel::underModelTester()
     QVERIFY(table.insertFromStrings({ "Bern" }));
     table.revert(); // "Rome" is back
     QCOMPARE(shown(proxy), QString("0,1,4"));
-    // Not setModelColumn() nor a source reset: Qt 6's tester reports their nested resets.
+    // Not setModelColumn() nor a source reset: newer model testers report their nested resets.
     QVERIFY(table.removeRows(0, 2));
 }
 
