@@ -299,7 +299,8 @@ void tst_ZuTreeModel::refreshLog()
 
 void tst_ZuTreeModel::underModelTester()
 {
-    // refresh() removes rows inside its reset, which newer model testers report: clear() comes first.
+    // refresh() removes rows inside its reset, which newer model testers report: clear() comes
+    // first.
     TestTree model(shape);
     ColumnZeroRows checked(&model);
     QAbstractItemModelTester tester(&checked,
