@@ -8,7 +8,6 @@
 
 #include <QDesktopServices>
 
-
 namespace {
 
 using zutest::contentOf;
