@@ -28,11 +28,36 @@ class CapturingAppender : public LoggerAbstractAppender
 {
 public:
     void append(const QDateTime &timeStamp, Logger::LogLevel logLevel, const char *file, int line,
-                const char *function, const QString &category, const QString &message) override;
+                const char *function, const QString &category, const QString &message) override
+    {
+        const LogRecord record { logLevel, QString::fromLatin1(file),
+                                 line,     QString::fromLatin1(function),
+                                 category, message,
+                                 timeStamp };
+        QMutexLocker locker(&m_mutex);
+        m_records.append(record);
+    }
 
-    QList<LogRecord> records() const;
-    QStringList messages() const;
-    void clear();
+    QList<LogRecord> records() const
+    {
+        QMutexLocker locker(&m_mutex);
+        return m_records;
+    }
+
+    QStringList messages() const
+    {
+        QStringList result;
+        const QList<LogRecord> all = records();
+        for (const LogRecord &record : all)
+            result.append(record.message);
+        return result;
+    }
+
+    void clear()
+    {
+        QMutexLocker locker(&m_mutex);
+        m_records.clear();
+    }
 
 private:
     mutable QMutex m_mutex;
@@ -47,17 +72,32 @@ class LogCapture
 {
     Q_DISABLE_COPY(LogCapture)
 public:
-    LogCapture();
-    ~LogCapture();
+    LogCapture()
+    {
+        m_appender->setDetailsLevel(Logger::Trace);
+        cuteLoggerInstance()->registerAppender(m_appender);
+    }
+    ~LogCapture()
+    {
+        cuteLoggerInstance()->removeAppender(m_appender);
+        delete m_appender;
+    }
 
     QList<LogRecord> records() const { return m_appender->records(); }
     QStringList messages() const { return m_appender->messages(); }
     void clear() { m_appender->clear(); }
     /// True if a record at @p level has a message containing @p messagePart.
-    bool contains(Logger::LogLevel level, const QString &messagePart) const;
+    bool contains(Logger::LogLevel level, const QString &messagePart) const
+    {
+        const QList<LogRecord> all = records();
+        for (const LogRecord &record : all)
+            if (record.level == level && record.message.contains(messagePart))
+                return true;
+        return false;
+    }
 
 private:
-    CapturingAppender *m_appender;
+    CapturingAppender *m_appender = new CapturingAppender;
 };
 
 } // namespace zutest

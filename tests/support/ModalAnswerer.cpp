@@ -8,35 +8,11 @@
 
 namespace zutest {
 
-ModalAnswerer::ModalAnswerer(QObject *parent)
-    : QObject(parent)
+ModalAnswerer::ModalAnswerer()
 {
     m_timer.setInterval(10);
     connect(&m_timer, &QTimer::timeout, this, &ModalAnswerer::poll);
     m_timer.start();
-}
-
-ModalAnswerer::~ModalAnswerer() = default;
-
-void ModalAnswerer::answerBox(QMessageBox::StandardButton button)
-{
-    m_answers.append({ Answer::Button, button, QString() });
-}
-
-void ModalAnswerer::answerBoxByText(const QString &text)
-{
-    m_answers.append({ Answer::ButtonText, QMessageBox::NoButton, text });
-}
-
-void ModalAnswerer::answerFileDialog(const QString &fileName)
-{
-    m_answers.append({ Answer::File, QMessageBox::NoButton, fileName });
-}
-
-void ModalAnswerer::clear()
-{
-    m_answers.clear();
-    m_seen.clear();
 }
 
 void ModalAnswerer::poll()
@@ -47,56 +23,36 @@ void ModalAnswerer::poll()
 
     SeenModal seen;
     seen.title = modal->windowTitle();
-    const bool haveAnswer = !m_answers.isEmpty();
-    const Answer answer
-        = haveAnswer ? m_answers.takeFirst() : Answer { Answer::Button, QMessageBox::NoButton, {} };
-
+    const Answer answer = m_answers.isEmpty() ? Answer { false, QString() } : m_answers.takeFirst();
     if (auto *box = qobject_cast<QMessageBox *>(modal)) {
         seen.kind = SeenModal::MessageBox;
         seen.text = box->text();
         seen.icon = box->icon();
-        seen.buttons = box->standardButtons();
         seen.informativeText = box->informativeText();
-        for (QAbstractButton *b : box->buttons())
-            seen.buttonTexts.append(b->text());
         if (box->defaultButton())
             seen.defaultButton = box->defaultButton()->text();
         QAbstractButton *press = nullptr;
-        if (haveAnswer && answer.kind == Answer::Button)
-            press = box->button(answer.button);
-        if (haveAnswer && answer.kind == Answer::ButtonText) {
-            for (QAbstractButton *b : box->buttons())
-                if (b->text() == answer.text)
-                    press = b;
+        for (QAbstractButton *b : box->buttons()) {
+            seen.buttonTexts.append(b->text());
+            if (!answer.file && b->text() == answer.text)
+                press = b;
         }
-        if (press) {
-            seen.answer = press->text();
-            press->click();
-        } else {
-            seen.answer = QStringLiteral("<rejected>");
-            box->reject();
-        }
+        press ? press->click() : box->reject();
     } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
         seen.kind = SeenModal::FileDialog;
         seen.filter = dialog->selectedNameFilter();
-        if (auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
-            seen.proposed = edit->text();
-        if (haveAnswer && answer.kind == Answer::File && !answer.text.isEmpty()) {
-            seen.answer = answer.text;
+        auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        seen.proposed = edit ? edit->text() : QString();
+        if (answer.file && !answer.text.isEmpty()) {
             dialog->selectFile(answer.text);
-            // The line edit holds what accept() reads in a widget-based dialog.
-            if (auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+            if (edit) // the line edit holds what accept() reads in a widget-based dialog
                 edit->setText(answer.text);
             static_cast<QDialog *>(dialog)->accept(); // protected in QFileDialog
         } else {
-            seen.answer = QStringLiteral("<rejected>");
             dialog->reject();
         }
-    } else if (auto *dialog = qobject_cast<QDialog *>(modal)) {
-        seen.answer = QStringLiteral("<rejected>");
-        dialog->reject();
     } else {
-        modal->close();
+        modal->close(); // a dialog rejects itself on close
     }
     m_seen.append(seen);
 }

@@ -17,48 +17,39 @@ struct SeenModal
     QString title;
     QString text; ///< box text; empty for a dialog
     QMessageBox::Icon icon = QMessageBox::NoIcon; ///< box icon
-    QMessageBox::StandardButtons buttons; ///< box buttons
     QString informativeText; ///< box informative text
     QStringList buttonTexts; ///< box buttons' texts, custom ones too, in the box's order
     QString defaultButton; ///< text of the box's default button; empty if none
     QString proposed; ///< dialog: the file name it offered, as its name field showed it
     QString filter; ///< dialog: its selected name filter
-    QString answer; ///< the button pressed or the file given
 };
 
 /**
- * Answers modal boxes and file dialogs from a timer, so that code under test
- * that raises them never waits for a person.
- *
- * Queue answers in the order the boxes will appear, then call the code. A
- * modal that appears with no answer queued is rejected (Escape / Cancel) and
+ * Answers modal boxes and file dialogs from a timer, so that code under test that raises them
+ * never waits for a person. Queue answers in the order the boxes will appear, then call the
+ * code. A modal that appears with no fitting answer queued is rejected (Escape / Cancel) and
  * recorded, so an unexpected box fails an assertion instead of hanging.
  */
 class ModalAnswerer : public QObject
 {
     Q_OBJECT
 public:
-    explicit ModalAnswerer(QObject *parent = nullptr);
-    ~ModalAnswerer() override;
+    ModalAnswerer();
 
-    /// The next message box is answered by pressing `button`.
-    void answerBox(QMessageBox::StandardButton button);
     /// The next message box is answered by the button whose text is `text`.
-    void answerBoxByText(const QString &text);
+    void answerBoxByText(const QString &text) { m_answers.append({ false, text }); }
     /// The next file dialog is accepted with `fileName`; an empty name cancels it.
-    void answerFileDialog(const QString &fileName);
+    void answerFileDialog(const QString &fileName) { m_answers.append({ true, fileName }); }
 
     /// Everything answered so far, in order.
     const QList<SeenModal> &seen() const { return m_seen; }
     /// Answers still queued.
     int pending() const { return m_answers.size(); }
-    void clear();
 
 private:
     struct Answer
     {
-        enum Kind { Button, ButtonText, File } kind;
-        QMessageBox::StandardButton button = QMessageBox::NoButton;
+        bool file;
         QString text;
     };
     void poll();

@@ -5,7 +5,6 @@
 #include <QTemporaryFile>
 
 #include <cstdio>
-#include <iostream>
 #include <unistd.h>
 
 namespace zutest {
@@ -22,7 +21,6 @@ public:
     {
         m_file.open();
         std::fflush(stderr);
-        std::cerr.flush();
         m_saved = ::dup(2);
         ::dup2(m_file.handle(), 2);
     }
@@ -43,7 +41,6 @@ private:
         if (m_saved < 0)
             return;
         std::fflush(stderr);
-        std::cerr.flush();
         ::dup2(m_saved, 2);
         ::close(m_saved);
         m_saved = -1;
