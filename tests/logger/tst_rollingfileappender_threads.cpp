@@ -5,14 +5,6 @@
 #include <thread>
 #include <vector>
 
-#if defined(__SANITIZE_THREAD__)
-// Hand-overs in libraries not built for ThreadSanitizer (tzset, QReadWriteLock, Qt Test).
-extern "C" const char *__tsan_default_suppressions()
-{
-    return "race:tzset_internal\nrace:QWaitCondition\nrace:libQt*Test.so\n";
-}
-#endif
-
 constexpr int threadCount = 4, perThread = 20000, tick = 60; // tick: milliseconds a reading
 const QDateTime start(QDate(2024, 3, 5), QTime(23, 55, 30));
 
