@@ -1,3 +1,4 @@
+#include "support/TestFiles.h"
 #include "support/ZuTest.h"
 
 #include <zucore/Wav.h>
@@ -11,12 +12,6 @@ static QString sox(const QStringList &arguments)
     process.start(QStandardPaths::findExecutable("sox"), arguments);
     process.waitForFinished(30000);
     return QString::fromLatin1(process.readAllStandardOutput()).trimmed();
-}
-
-static QByteArray readAll(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
 // A canonical PCM header whose sizes announce `size` bytes of audio.
@@ -49,7 +44,7 @@ private Q_SLOTS:
                  "numChannels:<b>2</b><br>sampleRate:<b>48000</b><br>byteRate:<b>192000</b><br>"
                  "blockAlign:<b>4</b><br>bitsPerSample:<b>16</b><br>SubChunk2Id:<b>data</b><br>"
                  "subChunk2Size:<b>64000</b><br>duration:<b>0.333333 secs</b>");
-        QCOMPARE(wav.audioData(), readAll("in.wav").mid(44));
+        QCOMPARE(wav.audioData(), zutest::contentOf("in.wav").mid(44));
         QCOMPARE(wav.fileName(), "in.wav");
 
         const QByteArray header = pcmHeader(22050, 2, 16, 44100), a(11025, 'a'), b(33075, 'b');
@@ -59,7 +54,7 @@ private Q_SLOTS:
         QCOMPARE(wav.crc(), ZuCrc::crc32(header + a + b, header.size() + a.size() + b.size()));
         QCOMPARE(wav.calculateCrc(), wav.crc());
         QVERIFY(wav.saveFile("ours.wav"));
-        QCOMPARE(readAll("ours.wav"), header + a + b);
+        QCOMPARE(zutest::contentOf("ours.wav"), header + a + b);
         QCOMPARE(sox({ "--i", "-D", "ours.wav" }), "0.500000"); // 44100 bytes at 88200 a second
         wav.setRawData(header); // loses the name and the stored CRC
         QCOMPARE(wav.fileName() + QString::number(wav.crc()), "0");
@@ -88,7 +83,7 @@ private Q_SLOTS:
         QCOMPARE(wav.audioData().isNull(), size <= 44);
         // Written back whole; read back, the duration comes from the header, not the data.
         QVERIFY(wav.saveFile("short.wav"));
-        QCOMPARE(readAll("short.wav"), image);
+        QCOMPARE(zutest::contentOf("short.wav"), image);
         QVERIFY(wav.readFile("short.wav"));
         QCOMPARE(wav.duration(), size >= 44 ? 2.0 / 16000 : 0.0);
     }
