@@ -20,29 +20,23 @@ void ModalAnswerer::poll()
     QWidget *modal = QApplication::activeModalWidget();
     if (!modal || !modal->isVisible())
         return;
-
-    SeenModal seen;
-    seen.title = modal->windowTitle();
     const Answer answer = m_answers.isEmpty() ? Answer { false, QString() } : m_answers.takeFirst();
     if (auto *box = qobject_cast<QMessageBox *>(modal)) {
-        seen.kind = SeenModal::MessageBox;
-        seen.text = box->text();
-        seen.icon = box->icon();
-        seen.informativeText = box->informativeText();
-        if (box->defaultButton())
-            seen.defaultButton = box->defaultButton()->text();
+        QStringList buttons;
         QAbstractButton *press = nullptr;
-        for (QAbstractButton *b : box->buttons()) {
-            seen.buttonTexts.append(b->text());
-            if (!answer.file && b->text() == answer.text)
-                press = b;
+        for (QAbstractButton *button : box->buttons()) {
+            buttons << button->text() + (button == box->defaultButton() ? "*" : "");
+            if (!answer.file && button->text() == answer.text)
+                press = button;
         }
+        m_seen << QStringList({ box->windowTitle(), QString::number(box->icon()), buttons.join(','),
+                                box->informativeText(), box->text() })
+                      .join('|');
         press ? press->click() : box->reject();
     } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
-        seen.kind = SeenModal::FileDialog;
-        seen.filter = dialog->selectedNameFilter();
         auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
-        seen.proposed = edit ? edit->text() : QString();
+        m_seen << dialog->windowTitle() + '|' + (edit ? edit->text() : QString()) + '|'
+                + dialog->selectedNameFilter();
         if (answer.file && !answer.text.isEmpty()) {
             dialog->selectFile(answer.text);
             if (edit) // the line edit holds what accept() reads in a widget-based dialog
@@ -52,9 +46,9 @@ void ModalAnswerer::poll()
             dialog->reject();
         }
     } else {
+        m_seen << modal->windowTitle();
         modal->close(); // a dialog rejects itself on close
     }
-    m_seen.append(seen);
 }
 
 } // namespace zutest

@@ -9,21 +9,6 @@
 
 namespace zutest {
 
-/// What the answerer saw of one modal box or file dialog.
-struct SeenModal
-{
-    enum Kind { MessageBox, FileDialog, Other };
-    Kind kind = Other;
-    QString title;
-    QString text; ///< box text; empty for a dialog
-    QMessageBox::Icon icon = QMessageBox::NoIcon; ///< box icon
-    QString informativeText; ///< box informative text
-    QStringList buttonTexts; ///< box buttons' texts, custom ones too, in the box's order
-    QString defaultButton; ///< text of the box's default button; empty if none
-    QString proposed; ///< dialog: the file name it offered, as its name field showed it
-    QString filter; ///< dialog: its selected name filter
-};
-
 /**
  * Answers modal boxes and file dialogs from a timer, so that code under test that raises them
  * never waits for a person. Queue answers in the order the boxes will appear, then call the
@@ -41,8 +26,12 @@ public:
     /// The next file dialog is accepted with `fileName`; an empty name cancels it.
     void answerFileDialog(const QString &fileName) { m_answers.append({ true, fileName }); }
 
-    /// Everything answered so far, in order.
-    const QList<SeenModal> &seen() const { return m_seen; }
+    /**
+     * Everything answered so far, in order: a box as "title|icon|buttons|informative text|text"
+     * (buttons in the box's order, the default one marked with '*'), a file dialog as
+     * "title|name|filter" (the name as its name field offered it, its selected filter).
+     */
+    const QStringList &seen() const { return m_seen; }
     /// Answers still queued.
     int pending() const { return m_answers.size(); }
 
@@ -56,7 +45,7 @@ private:
 
     QTimer m_timer;
     QList<Answer> m_answers;
-    QList<SeenModal> m_seen;
+    QStringList m_seen;
 };
 
 } // namespace zutest

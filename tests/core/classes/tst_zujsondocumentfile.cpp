@@ -57,11 +57,11 @@ public:
 };
 
 // clang-format off
-// A box as "title|icon|buttons|informative text|text", a file dialog as "title|name|filter".
-const QString warning = "%1|2|OK||%2", dialog = "|JSON File (*.json)", readOnly = ",Open Read Only";
-const QString changed = "JSON File File Changed|2|Save,Cancel,Discard||'%1' has been modified.\nDo you want to save your changes?";
-const QString refused = "Load JSON File File|2|OK||Cannot read file %1:\nNot saved as a valid document.";
-const QString lockBox = "|0|Retry,Cancel%1|Do you want to Retry getting a lock on the file?|Unable to lock file '%2'\n\nError:Lock Failed (%3";
+// Boxes and file dialogs as ModalAnswerer::seen() gives them.
+const QString warning = "%1|2|OK*||%2", dialog = "|JSON File (*.json)", readOnly = ",Open Read Only";
+const QString changed = "JSON File File Changed|2|Save*,Cancel,Discard||'%1' has been modified.\nDo you want to save your changes?";
+const QString refused = "Load JSON File File|2|OK*||Cannot read file %1:\nNot saved as a valid document.";
+const QString lockBox = "|0|Retry*,Cancel%1|Do you want to Retry getting a lock on the file?|Unable to lock file '%2'\n\nError:Lock Failed (%3";
 const QString held = "File Open by another user?) <owner>";
 const QString owner = "Process Id:%1 Host Name:'" + QSysInfo::machineHostName() + "' Application Name:'tst_zujsondocumentfile'";
 
@@ -232,18 +232,10 @@ private Q_SLOTS:
         QCOMPARE(result, r.result);
         QCOMPARE(answerer.pending(), 0);
         QCOMPARE(answerer.seen().size(), r.boxes.size());
-        for (int i = 0; i < r.boxes.size(); ++i) {
-            const zutest::SeenModal &m = answerer.seen().at(i);
-            const QString seen = m.kind == zutest::SeenModal::FileDialog
-                ? m.title + '|' + m.proposed + '|' + m.filter
-                : QStringList({ m.title, QString::number(m.icon), m.buttonTexts.join(','),
-                                m.informativeText, m.text })
-                      .join('|');
-            QVERIFY2(seen.startsWith(
+        for (int i = 0; i < r.boxes.size(); ++i)
+            QVERIFY2(answerer.seen()[i].startsWith(
                          QString(r.boxes[i]).replace("<owner>", owner.arg(child.processId()))),
-                     qPrintable(seen));
-            QVERIFY(m.informativeText.isEmpty() || m.defaultButton == "Retry");
-        }
+                     qPrintable(answerer.seen()[i]));
         if (!r.log.isEmpty())
             QVERIFY(capture.contains(
                 Logger::Error, QString(r.log).replace("<owner>", owner.arg(child.processId()))));
