@@ -59,33 +59,6 @@ public:
         m_records.clear();
     }
 
-private:
-    mutable QMutex m_mutex;
-    QList<LogRecord> m_records;
-};
-
-/**
- * Captures what reaches the global logger for the lifetime of the object: a CapturingAppender
- * at Logger::Trace registered on cuteLoggerInstance(), removed and deleted at the end.
- */
-class LogCapture
-{
-    Q_DISABLE_COPY(LogCapture)
-public:
-    LogCapture()
-    {
-        m_appender->setDetailsLevel(Logger::Trace);
-        cuteLoggerInstance()->registerAppender(m_appender);
-    }
-    ~LogCapture()
-    {
-        cuteLoggerInstance()->removeAppender(m_appender);
-        delete m_appender;
-    }
-
-    QList<LogRecord> records() const { return m_appender->records(); }
-    QStringList messages() const { return m_appender->messages(); }
-    void clear() { m_appender->clear(); }
     /// True if a record at @p level has a message containing @p messagePart.
     bool contains(Logger::LogLevel level, const QString &messagePart) const
     {
@@ -97,7 +70,20 @@ public:
     }
 
 private:
-    CapturingAppender *m_appender = new CapturingAppender;
+    mutable QMutex m_mutex;
+    QList<LogRecord> m_records;
+};
+
+/// Captures what reaches the global logger for the lifetime of the object, at Logger::Trace.
+class LogCapture : public CapturingAppender
+{
+public:
+    LogCapture()
+    {
+        setDetailsLevel(Logger::Trace);
+        cuteLoggerInstance()->registerAppender(this);
+    }
+    ~LogCapture() override { cuteLoggerInstance()->removeAppender(this); }
 };
 
 } // namespace zutest
