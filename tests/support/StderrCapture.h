@@ -24,28 +24,22 @@ public:
         m_saved = ::dup(2);
         ::dup2(m_file.handle(), 2);
     }
-    ~StderrCapture() { restore(); }
+    ~StderrCapture() { take(); }
 
     /// Everything written to standard error so far; stops the redirection.
     QByteArray take()
     {
-        restore();
+        if (m_saved >= 0) {
+            std::fflush(stderr);
+            ::dup2(m_saved, 2);
+            ::close(m_saved);
+            m_saved = -1;
+        }
         QFile in(m_file.fileName());
-        in.open(QIODevice::ReadOnly);
-        return in.readAll();
+        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
     }
 
 private:
-    void restore()
-    {
-        if (m_saved < 0)
-            return;
-        std::fflush(stderr);
-        ::dup2(m_saved, 2);
-        ::close(m_saved);
-        m_saved = -1;
-    }
-
     QTemporaryFile m_file;
     int m_saved = -1;
 };
