@@ -3,8 +3,6 @@
 
 #include <zucore/LoggerRollingFileAppender.h>
 
-#include <iterator>
-
 using R = LoggerRollingFileAppender;
 
 namespace {
@@ -70,12 +68,7 @@ class tst_RollingFileAppender : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void rolling_data()
-    {
-        QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(rows)); ++row)
-            QTest::newRow(rows[row].name) << row;
-    }
+    void rolling_data() { zutest::addRows(rows); }
 
     void rolling()
     {

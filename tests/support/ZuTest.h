@@ -22,6 +22,14 @@ inline bool enterTemporaryDir(const QTemporaryDir &dir)
     return dir.isValid() && QDir::setCurrent(dir.path());
 }
 
+/// One row per entry of @p table, named by its `name`, holding the entry's index as "row".
+template<typename Entry, std::size_t N> void addRows(const Entry (&table)[N])
+{
+    QTest::addColumn<int>("row");
+    for (std::size_t i = 0; i < N; ++i)
+        QTest::newRow(table[i].name) << int(i);
+}
+
 } // namespace zutest
 
 #define ZU_TEST_MAIN(TestObject)                                                                   \

@@ -53,12 +53,7 @@ class tst_SimpleCrypt : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void texts_data()
-    {
-        QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(rows)); ++row)
-            QTest::newRow(rows[row].name) << row;
-    }
+    void texts_data() { zutest::addRows(rows); }
 
     // What we write, byte by byte, and what we read.
     void texts()

@@ -154,12 +154,7 @@ private Q_SLOTS:
             writeFile(file.section('=', 0, 0), file.section('=', 1).toUtf8());
     }
 
-    void scenarios_data()
-    {
-        QTest::addColumn<int>("row");
-        for (int row = 0; row < int(std::size(rows)); ++row)
-            QTest::newRow(rows[row].name) << row;
-    }
+    void scenarios_data() { zutest::addRows(rows); }
 
     // Every operation from every state: the virtual calls, the boxes, the log and the state.
     void scenarios()
