@@ -159,8 +159,8 @@ private slots:
             Logger local(QStringLiteral("zu.local"), true);
             auto *own = new CapturingAppender;
             local.registerAppender(own);
-            local.logToGlobalInstance(QStringLiteral("zu.local"),
-                                      true); // passed on to the global one
+            // Passed on to the global one.
+            local.logToGlobalInstance(QStringLiteral("zu.local"), true);
             put(&local, nullptr, "default");
             local.logToGlobalInstance(QStringLiteral("zu.local"), false);
             put(&local, "zu.other", "other"); // warned here, not again by the global instance
@@ -184,23 +184,21 @@ private slots:
         QCOMPARE(evaluated, 1);
         QVERIFY(err.take().contains("[Trace  ] <tst_Logger::skippedStatements> 1"));
 
-        auto *appender = new CapturingAppender;
-        appender->setDetailsLevel(Logger::Info);
-        cuteLoggerInstance()->registerAppender(appender);
+        CapturingAppender appender;
+        appender.setDetailsLevel(Logger::Info);
+        cuteLoggerInstance()->registerAppender(&appender);
         LOG_INFO() << "first" << ++evaluated;
         LOG_DEBUG() << "skipped" << ++evaluated;
         QCOMPARE(evaluated, 2);
         // Another thread lowers the level: the very next statement here is taken.
-        std::thread([appender] { appender->setDetailsLevel(Logger::Debug); }).join();
+        std::thread([&appender] { appender.setDetailsLevel(Logger::Debug); }).join();
         LOG_DEBUG() << "second" << ++evaluated;
         if (evaluated == 0)
             LOG_ERROR() << "not this";
         else
             LOG_WARNING("else branch");
-        cuteLoggerInstance()->removeAppender(appender);
-        const QStringList messages = appender->messages();
-        delete appender;
-        QCOMPARE(messages, QStringList({ "first 2 ", "second 3 ", "else branch" }));
+        cuteLoggerInstance()->removeAppender(&appender);
+        QCOMPARE(appender.messages(), QStringList({ "first 2 ", "second 3 ", "else branch" }));
     }
 
     void messagesFromInsideAnAppender_data()
