@@ -3,7 +3,6 @@
 #include <zucore/Logger.h>
 #include <zucore/LoggerAbstractAppender.h>
 
-#include <QDateTime>
 #include <QList>
 #include <QMutex>
 #include <QString>
@@ -11,31 +10,24 @@
 
 namespace zutest {
 
-/// One record as an appender received it.
+/// The parts of a record that tests look at.
 struct LogRecord
 {
     Logger::LogLevel level;
-    QString file;
     int line;
-    QString function;
     QString category;
     QString message;
-    QDateTime timeStamp;
 };
 
 /// An appender that keeps every record it receives, from any thread.
 class CapturingAppender : public LoggerAbstractAppender
 {
 public:
-    void append(const QDateTime &timeStamp, Logger::LogLevel logLevel, const char *file, int line,
-                const char *function, const QString &category, const QString &message) override
+    void append(const QDateTime &, Logger::LogLevel logLevel, const char *, int line, const char *,
+                const QString &category, const QString &message) override
     {
-        const LogRecord record { logLevel, QString::fromLatin1(file),
-                                 line,     QString::fromLatin1(function),
-                                 category, message,
-                                 timeStamp };
         QMutexLocker locker(&m_mutex);
-        m_records.append(record);
+        m_records.append({ logLevel, line, category, message });
     }
 
     QList<LogRecord> records() const
