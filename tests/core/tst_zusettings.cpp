@@ -5,8 +5,7 @@
 
 #include <QSettings>
 
-// The store is process-wide and made once: the functions run in this order, the first one before
-// anything has made the store.
+// The store is process-wide and made once: the slots run in order, the first before it exists.
 class tst_ZuSettings : public QObject
 {
     Q_OBJECT

@@ -18,8 +18,7 @@ namespace {
 
 QStringList sink; // what the NamedAppenders wrote, and which were deleted, in order
 
-// Notes its name; named "qt" or "log", it raises a message of its own while it runs instead,
-// as an application's appender might.
+// Notes its name; "qt" and "log" raise a message of their own instead, as an app's appender might.
 struct NamedAppender : LoggerAbstractAppender
 {
     explicit NamedAppender(const char *n)
@@ -54,8 +53,7 @@ QStringList summary(const QList<LogRecord> &records)
     return lines;
 }
 
-// Scenarios that end the process run in a child: the test binary, started again with
-// ZU_LOGGER_CHILD set, runs one of them before main().
+// Scenarios that end the process: the test binary, run again with ZU_LOGGER_CHILD, does one.
 const bool childRan = [] {
     const QByteArray scenario = qgetenv("ZU_LOGGER_CHILD");
     if (scenario.isEmpty())

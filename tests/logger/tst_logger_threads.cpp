@@ -11,8 +11,7 @@ class tst_LoggerThreads : public QObject
     Q_OBJECT
 
 private slots:
-    // Every record logged by four plain std::threads at once must land in the file exactly once,
-    // whole, on a line of its own, in its thread's order.
+    // Four std::threads at once: every record lands once, whole, on its own line, in thread order.
     void manyThreadsOneFile()
     {
         constexpr int threadCount = 4;

@@ -115,8 +115,7 @@ private slots:
         PatternAppender appender;
         if (!pattern.isNull())
             appender.setFormat(pattern);
-        // The walk remembers the last function name it cleaned: one buffer reused by every row
-        // must still give each row its own name.
+        // The walk caches the last name it cleaned: a buffer reused by every row must not fool it.
         static char reused[128];
         qstrncpy(reused, function.constData(), sizeof reused);
         const QString result = appender.formattedString(

@@ -8,8 +8,7 @@
 
 namespace {
 
-// Evaluated by this program's static initialisers, before main: the libraries it links have
-// been initialised by then, so the icons must already be there without any Q_INIT_RESOURCE.
+// Looked up before main(): the library's icons must be there without any Q_INIT_RESOURCE.
 const bool registeredBeforeMain = QFile::exists(QStringLiteral(":/images/add"));
 
 // Every path under :/images/, with its size in pixels where it is not 16 by 16.

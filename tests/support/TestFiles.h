@@ -36,14 +36,12 @@ public:
         std::signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &m_old);
         const rlimit limited = { bytes, m_old.rlim_max };
-        m_ok = setrlimit(RLIMIT_FSIZE, &limited) == 0;
+        setrlimit(RLIMIT_FSIZE, &limited);
     }
     ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_old); }
-    bool ok() const { return m_ok; }
 
 private:
     rlimit m_old {};
-    bool m_ok = false;
 };
 
 } // namespace zutest

@@ -99,8 +99,7 @@ void tst_ZuFileUtils::fileOperations()
     writeFile("sized.bin", QByteArray(1048576, 'x'));
     QCOMPARE(ZuFileUtils::sizeToString("sized.bin"), QStringLiteral("1.00 MB (1,048,576 Bytes)"));
 
-    // A folder goes out as the URL "file:///" + folder, as on Windows; with no Windows file
-    // manager here, a file shows as its folder.
+    // Folders go out as "file:///" + folder, as on Windows; a file here shows as its folder.
     ZuFileUtils::showFolderInExplorer("C:/some folder");
     ZuFileUtils::showFileInExplorer("c.txt");
     QCOMPARE(m_opened.value(0).toString(), QStringLiteral("file:///C:/some folder"));
@@ -144,9 +143,8 @@ void tst_ZuFileUtils::save_data()
     QTest::newRow("full disk") << "out/old.dat" << QByteArray(64 * 1024, 'n') << 2 << "";
 }
 
-// Saves run as "nobody", as root could write anywhere. A failure leaves the old file exactly as
-// it was and nothing beside it; it shows the box of the step that fails and returns false, but
-// for a text save on a full disk, which tells nothing.
+// As "nobody", since root writes anywhere. A failure keeps the old file, leaves nothing beside it,
+// shows its step's box and returns false; a full disk shows no box, and a text save returns true.
 void tst_ZuFileUtils::save()
 {
     QFETCH(QString, name);

@@ -51,8 +51,7 @@ private Q_SLOTS:
                  logged.startsWith("Process crashed"));
     }
 
-    // An application's own handlers on the process go with the first exec; one that ends the child
-    // as it starts makes the wait for its end fail.
+    // Own handlers go with the first exec; one that kills the child at its start fails the wait.
     void applicationHandlers()
     {
         zutest::LogCapture capture;
