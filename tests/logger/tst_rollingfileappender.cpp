@@ -1,4 +1,5 @@
 #include "support/StderrCapture.h"
+#include "support/TestFiles.h"
 #include "support/ZuTest.h"
 
 #include <zucore/LoggerRollingFileAppender.h>
@@ -20,11 +21,9 @@ QStringList folder(const QString &logName)
 {
     QStringList entries;
     for (const QString &name :
-         QDir().entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-        QFile file(name);
+         QDir().entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
         entries << name.mid(logName.size())
-                + (file.open(QIODevice::ReadOnly) ? '=' + file.readAll().simplified() : "/");
-    }
+                + (QFileInfo(name).isDir() ? "/" : '=' + zutest::contentOf(name).simplified());
     entries.sort();
     return entries;
 }
