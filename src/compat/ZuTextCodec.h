@@ -72,8 +72,10 @@ inline void encodeAsStream(const QTextStream &stream, const QChar *text, int len
         quint64 word;
         std::memcpy(&word, text + k, sizeof word);
         high |= word;
-        for (int n = 0; n < 4; ++n)
-            bytes[k + n] = char(text[k + n].unicode());
+        bytes[k] = char(text[k].unicode());
+        bytes[k + 1] = char(text[k + 1].unicode());
+        bytes[k + 2] = char(text[k + 2].unicode());
+        bytes[k + 3] = char(text[k + 3].unicode());
     }
     for (; k < length; ++k) {
         high |= text[k].unicode();

@@ -117,6 +117,38 @@ private:
     int m_capacity = 0;
 };
 
+// What a thread remembers from record to record: values that depend on where and when a record
+// was made, never on the pattern.
+struct Site
+{
+    const char *address = nullptr;
+    QByteArray signature;
+    QString name;
+};
+
+struct Day
+{
+    qint64 julianDay = std::numeric_limits<qint64>::min();
+    int year = 0;
+    int month = 0;
+    int day = 0;
+};
+
+struct ThreadMemory
+{
+    static constexpr int SiteCount = 64;
+    Site sites[SiteCount];
+    // Records of a thread mostly fall on the day of its previous one.
+    Day day;
+};
+
+// Not inlined: the caller keeps the address, instead of asking for it again after every call.
+Q_NEVER_INLINE ThreadMemory &threadMemory()
+{
+    thread_local ThreadMemory memory;
+    return memory;
+}
+
 inline void putTwoDigits(QChar *out, int value)
 {
     out[0] = QLatin1Char(char('0' + value / 10));
@@ -144,19 +176,10 @@ inline bool isFormat(const QChar *fmt, int len, const QString &format)
 // yyyy, MM, dd, HH, mm, ss, zzz and characters that the date formatter copies as they are) are
 // written here, straight into the line, with the same result; anything else goes to
 // QDateTime::toString.
-void appendTimeStamp(LineWriter &out, const QDateTime &timeStamp, const QChar *fmt, int len)
+void appendTimeStamp(LineWriter &out, Day &parts, const QDateTime &timeStamp, const QChar *fmt,
+                     int len)
 {
     if (len > 0 && len <= 64 && timeStamp.isValid() && systemLocaleUsesAsciiDigits()) {
-        // Records of a thread mostly fall on the day of its previous one.
-        struct Day
-        {
-            qint64 julianDay = std::numeric_limits<qint64>::min();
-            int year = 0;
-            int month = 0;
-            int day = 0;
-        };
-        thread_local Day lastDay;
-        Day &parts = lastDay;
         const QDate date = timeStamp.date();
         if (date.toJulianDay() != parts.julianDay) {
             date.getDate(&parts.year, &parts.month, &parts.day);
@@ -295,20 +318,12 @@ void padField(LineWriter &out, int start, int fieldWidth)
 // call sites it met last, found by the signature's address and confirmed by its text (a caller
 // may reuse one buffer for other texts). It depends on the signature alone, not on the pattern.
 // The name stays valid until this thread cleans another signature.
-const QString &cleanFunctionName(const char *function)
+const QString &cleanFunctionName(Site *sites, const char *function)
 {
-    struct Site
-    {
-        const char *address = nullptr;
-        QByteArray signature;
-        QString name;
-    };
-    constexpr int SiteCount = 64;
-    thread_local Site sites[SiteCount];
     if (!function)
         function = "";
     const quintptr a = quintptr(function);
-    Site &site = sites[((a >> 3) ^ (a >> 9)) % SiteCount];
+    Site &site = sites[((a >> 3) ^ (a >> 9)) % ThreadMemory::SiteCount];
     // glibc's strcmp reads the text a vector at a time; QByteArray's comparison a byte at a time.
     if (site.address != function || std::strcmp(site.signature.constData(), function) != 0) {
         site.name = LoggerAbstractStringAppender::stripFunctionName(function);
@@ -349,10 +364,9 @@ template<size_t N> inline bool isCommand(const QChar *cmd, qptrdiff left, const 
     constexpr qptrdiff length = qptrdiff(N) - 1;
     if (left < length)
         return false;
-    for (qptrdiff k = 0; k < length; ++k) {
-        if (cmd[k].unicode() != name[k])
-            return false;
-    }
+    // A comparison of a known small size compiles to a few word compares.
+    if (std::memcmp(cmd, name, size_t(length) * sizeof(QChar)) != 0)
+        return false;
     return left == length || !isLetter(cmd[length]);
 }
 
@@ -413,7 +427,8 @@ Command commandAt(const QChar *cmd, const QChar *end, int *length)
 
 // The time field at @p *i (just behind its name): an optional date format in a second brace
 // pair, or the default. Leaves @p *i on the character that ends the field.
-void appendTime(LineWriter &out, const QDateTime &timeStamp, const QChar *p, int size, int *i)
+void appendTime(LineWriter &out, Day &day, const QDateTime &timeStamp, const QChar *p, int size,
+                int *i)
 {
     if (*i + 1 < size && p[*i + 1] == QLatin1Char('{')) {
         // The first character of the format is taken as it is, even a closing brace.
@@ -429,13 +444,13 @@ void appendTime(LineWriter &out, const QDateTime &timeStamp, const QChar *p, int
             ++close;
         if (close < end) {
             const int length = int(close - format);
-            appendTimeStamp(out, timeStamp, format, length);
+            appendTimeStamp(out, day, timeStamp, format, length);
             *i += length + 2;
             return;
         }
     }
     static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
-    appendTimeStamp(out, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
+    appendTimeStamp(out, day, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
 }
 
 } // namespace
@@ -449,6 +464,7 @@ int ZuLoggerFormat::formatRecord(QString &buffer, const QString &f, const QDateT
     if (size == 0)
         return 0;
     LineWriter out(buffer, size + message.size() + 96);
+    ThreadMemory &memory = threadMemory();
 
     const QChar *const p = f.constData();
     int i = 0;
@@ -495,7 +511,7 @@ int ZuLoggerFormat::formatRecord(QString &buffer, const QString &f, const QDateT
         const int fieldStart = out.size();
         switch (command) {
         case Command::Time:
-            appendTime(out, timeStamp, p, size, &i);
+            appendTime(out, memory.day, timeStamp, p, size, &i);
             break;
         case Command::Type:
             out.append(Logger::levelToString(logLevel));
@@ -532,7 +548,7 @@ int ZuLoggerFormat::formatRecord(QString &buffer, const QString &f, const QDateT
                 out.appendLatin1(function);
             break;
         case Command::FunctionName:
-            out.append(cleanFunctionName(function));
+            out.append(cleanFunctionName(memory.sites, function));
             break;
         case Command::Message:
             out.append(message);

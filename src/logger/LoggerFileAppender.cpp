@@ -6,6 +6,25 @@
 
 #include <cstdio>
 
+namespace {
+
+// Each thread formats into buffers of its own that outlive the record, so that a record costs no
+// allocation. Buffers grown by a huge record are given back afterwards.
+struct Buffers
+{
+    QString text;
+    QByteArray bytes;
+};
+
+// Not inlined: the caller keeps the address, instead of asking for it again after every call.
+Q_NEVER_INLINE Buffers &threadBuffers()
+{
+    thread_local Buffers buffers;
+    return buffers;
+}
+
+} // namespace
+
 LoggerFileAppender::LoggerFileAppender(const QString &fileName)
 {
     setFileName(fileName);
@@ -72,15 +91,7 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
                                 const char *file, int line, const char *function,
                                 const QString &category, const QString &message)
 {
-    // Each thread formats into buffers of its own that outlive the record, so that a record
-    // costs no allocation. Buffers grown by a huge record are given back afterwards.
-    struct Buffers
-    {
-        QString text;
-        QByteArray bytes;
-    };
-    thread_local Buffers threadBuffers;
-    Buffers &buffers = threadBuffers;
+    Buffers &buffers = threadBuffers();
     constexpr int KeptCapacity = 64 * 1024;
 
     ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
