@@ -1,16 +1,19 @@
+#include "ModelFixtures.h"
 #include "support/CapturingAppender.h"
 #include "support/ZuTest.h"
 
 #include <zucore/ZuAbstractTableModel.h>
 #include <zucore/ZuSortFilterProxyModel.h>
 
-#include <QAbstractItemModelTester>
 #include <QFont>
-#include <QRegularExpression>
 #include <QStandardItemModel>
 #include <QTableView>
 
 namespace {
+
+// The rules that this proxy breaks: rowCount() of a flat proxy ignores its parent, and
+// setSearchString() sends dataChanged() with invalid indexes.
+const QString flatRules = "childIndex|topLeft|bottomRight";
 
 QString visible(const QAbstractItemModel &proxy)
 {
@@ -34,39 +37,6 @@ struct People : ZuSortFilterProxyModel
         }
         setSourceModel(&source);
     }
-};
-
-QStringList modelTesterFailures;
-
-// A QAbstractItemModelTester attached for a scope. Only two rules may break: rowCount() of this
-// flat proxy ignores its parent, and setSearchString() sends dataChanged() with invalid indexes.
-class Tester
-{
-public:
-    explicit Tester(QAbstractItemModel *model)
-        : previous((cuteLoggerInstance(), // the global logger installs its handler when made
-                    qInstallMessageHandler(
-                        [](QtMsgType, const QMessageLogContext &c, const QString &message) {
-                            if (qstrcmp(c.category, "qt.modeltest") == 0)
-                                modelTesterFailures << message;
-                        })))
-        , tester(model, QAbstractItemModelTester::FailureReportingMode::Warning)
-    {
-        modelTesterFailures.clear();
-    }
-    ~Tester() { qInstallMessageHandler(previous); }
-    // Failures other than the two allowed ones; none at all means it did not watch.
-    QStringList unexpected() const
-    {
-        if (modelTesterFailures.isEmpty())
-            return { "no failure seen" };
-        return modelTesterFailures.filter(
-            QRegularExpression("^(?![\\s\\S]*(childIndex|topLeft|bottomRight)\\.isValid)"));
-    }
-
-private:
-    QtMessageHandler previous;
-    QAbstractItemModelTester tester;
 };
 
 } // namespace
@@ -114,7 +84,7 @@ void TestZuSortFilterProxyModel::filtering()
     QFETCH(int, mode);
     QFETCH(QString, search);
     People proxy;
-    Tester tester(&proxy);
+    ReportingTester tester(&proxy, flatRules);
     for (const QString &filter : filters) {
         proxy.addFilterKeyColumn(filter.section('=', 0, 0).toInt());
         proxy.addFilterFixedString(filter.section('=', 0, 0).toInt(), filter.section('=', 1));
@@ -160,7 +130,7 @@ void TestZuSortFilterProxyModel::orderFollowsSortColumns()
 {
     QFETCH(QString, steps);
     People proxy;
-    Tester tester(&proxy);
+    ReportingTester tester(&proxy, flatRules);
     proxy.addFilterKeyColumn(2);
     proxy.addFilterFixedString(2, "\\d"); // sorted and filtered, as a view would show it
     proxy.invalidate();

@@ -1,4 +1,4 @@
-#include "TestTree.h"
+#include "ModelFixtures.h"
 #include "support/CapturingAppender.h"
 #include "support/ZuTest.h"
 
