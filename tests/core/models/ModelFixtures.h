@@ -1,7 +1,7 @@
 #pragma once
-// Fixtures of the model tests. TestTree: a ZuTreeModel built from a shape,
-// "A=1(a1=11(a1x=111),a2=12),B=2", which dump() reads back from any model ('*': a changed cell,
-// '~': null); at(model, "0/1"): row 1 under row 0, "-": root.
+// TestTree: a ZuTreeModel built from a shape, "A=1(a1=11(a1x=111),a2=12),B=2", which dump() reads
+// back from any model ('*': a changed cell, '~': null); at(model, "0/1"): row 1 under row 0, "-":
+// root.
 
 #include <zucore/Logger.h>
 #include <zucore/ZuAbstractTableModel.h>
@@ -101,9 +101,9 @@ public:
     }
 };
 
-// A QAbstractItemModelTester whose reports are gathered instead of failing the test, for a proxy
-// that breaks some of its rules by design. unexpected() lists the reports on rules other than the
-// `allowed` ones; with no report at all, it did not watch.
+// A model tester whose reports are gathered, for a proxy that breaks some rules by design:
+// unexpected() lists those on rules other than `allowed`, or says that none came (it did not
+// watch).
 class ReportingTester
 {
 public:

@@ -13,8 +13,7 @@ using Model = ZuAbstractTableModel;
 
 namespace {
 
-// Columns a, b, c unless told otherwise. Column 2 is not editable, a cell
-// holding "note" has a note and is invalid, inserts can be refused.
+// Columns a, b, c by default; column 2 is not editable; a "note" cell has a note and is invalid.
 class Table : public Model
 {
 public:
@@ -40,7 +39,6 @@ public:
     }
 };
 
-// The answers of one cell to several roles.
 QVariantList answers(const Model &model, const QModelIndex &index, const QList<int> &roles)
 {
     QVariantList list;
@@ -107,9 +105,8 @@ void tst_ZuAbstractTableModel::roles()
 void tst_ZuAbstractTableModel::operations_data()
 {
     QTest::addColumn<QString>("steps");
-    // What happened: one entry per notification ("+ins" for about-to-insert, "-rm" for
-    // about-to-remove, "[roles]"), then "ok" or "no" for the last step's answer with the table,
-    // each marked "*" while isDirty() was true, then the log lines.
+    // Each notification ("+ins", "-rm": about to; "[roles]"), then "ok"/"no" (the last step's
+    // answer) with the table, each "*" while isDirty() was true; then the log lines.
     QTest::addColumn<QString>("expected");
     auto row = [](const char *name, const QString &steps, const QString &expected) {
         QTest::newRow(name) << steps << expected;

@@ -11,8 +11,7 @@
 
 namespace {
 
-// The rules that this proxy breaks: rowCount() of a flat proxy ignores its parent, and
-// setSearchString() sends dataChanged() with invalid indexes.
+// By design, rowCount() ignores its parent and setSearchString() repaints with invalid indexes.
 const QString flatRules = "childIndex|topLeft|bottomRight";
 
 QString visible(const QAbstractItemModel &proxy)
@@ -110,8 +109,7 @@ void TestZuSortFilterProxyModel::filtering()
 
 void TestZuSortFilterProxyModel::orderFollowsSortColumns_data()
 {
-    // "columns a b" sets the sort columns, "add a" adds one, "edit r c text" edits the source;
-    // each step ends in sort(1), the column that the view's header shows.
+    // "columns a b": set the sort columns, "add a": add one, "edit r c text"; each, then sort(1).
     QTest::addColumn<QString>("steps");
     QTest::addColumn<QString>("expected");
     auto row = [](const char *name, const char *steps, const char *expected) {
@@ -204,8 +202,7 @@ void TestZuSortFilterProxyModel::cellEditRoad()
     QCOMPARE(visible(proxy), QString("file0,File1"));
     files.revert();
     QCOMPARE(visible(proxy), QString("File1,file2,file10"));
-    // The extra row's indexes carry no mapping of the base class: the dynamic re-sort of an
-    // edit and a view's selection must cope with them.
+    // The extra row has no source mapping; an edit's re-sort and a view's selection cope with it.
     proxy.setNotAssignedRowEnabled(true);
     QCOMPARE(int(proxy.flags(proxy.index(0, 1))), 33);
     QTableView view;
