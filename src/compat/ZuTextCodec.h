@@ -3,8 +3,11 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringView>
 #include <QTextStream>
 #include <QtGlobal>
+
+#include <cstring>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 #include <QStringEncoder>
@@ -38,6 +41,48 @@ inline QByteArray encodeAsStream(const QTextStream &stream, const QString &text)
     // UTF-8, the usual case, takes QString's vectorised encoder.
     return codec->mibEnum() == 106 ? text.toUtf8() : codec->fromUnicode(text);
 #endif
+}
+
+/// The bytes that @p stream would write for the @p length characters at @p text, in @p out,
+/// which keeps its capacity from call to call.
+inline void encodeAsStream(const QTextStream &stream, const QChar *text, int length,
+                           QByteArray &out)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    const bool utf8 = stream.encoding() == QStringConverter::Utf8;
+#else
+    const bool utf8 = stream.codec()->mibEnum() == 106;
+#endif
+    const QStringView view(text, length);
+    if (!utf8) {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+        out = QStringEncoder(stream.encoding()).encode(view);
+#else
+        out = stream.codec()->fromUnicode(text, length);
+#endif
+        return;
+    }
+    // ASCII, nearly every log line, is its own UTF-8: narrowed here into the kept buffer, four
+    // characters a step, with one test at the end for anything beyond ASCII.
+    out.resize(length);
+    char *const bytes = out.data();
+    quint64 high = 0;
+    int k = 0;
+    for (; k + 4 <= length; k += 4) {
+        quint64 word;
+        std::memcpy(&word, text + k, sizeof word);
+        high |= word;
+        bytes[k] = char(text[k].unicode());
+        bytes[k + 1] = char(text[k + 1].unicode());
+        bytes[k + 2] = char(text[k + 2].unicode());
+        bytes[k + 3] = char(text[k + 3].unicode());
+    }
+    for (; k < length; ++k) {
+        high |= text[k].unicode();
+        bytes[k] = char(text[k].unicode());
+    }
+    if (high & Q_UINT64_C(0xff80ff80ff80ff80))
+        out = view.toUtf8();
 }
 
 } // namespace ZuCompat

@@ -115,14 +115,19 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
 // them anyway; a new millisecond asks again, so a change of the time zone is still seen.
 QDateTime currentTimeStamp()
 {
-    thread_local qint64 cachedMSecs = -1;
-    thread_local QDateTime cached;
+    struct Cache
+    {
+        qint64 msecs = -1;
+        QDateTime timeStamp;
+    };
+    thread_local Cache threadCache;
+    Cache &cache = threadCache;
     const qint64 msecs = QDateTime::currentMSecsSinceEpoch();
-    if (msecs != cachedMSecs) {
-        cached = QDateTime::currentDateTime();
-        cachedMSecs = msecs;
+    if (msecs != cache.msecs) {
+        cache.timeStamp = QDateTime::currentDateTime();
+        cache.msecs = msecs;
     }
-    return cached;
+    return cache.timeStamp;
 }
 
 void cleanupLoggerGlobalInstance()

@@ -11,16 +11,12 @@ LoggerAbstractAppender::~LoggerAbstractAppender() = default;
 
 Logger::LogLevel LoggerAbstractAppender::detailsLevel() const
 {
-    ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
-    return m_detailsLevel;
+    return Logger::LogLevel(m_detailsLevel.load(std::memory_order_acquire));
 }
 
 void LoggerAbstractAppender::setDetailsLevel(Logger::LogLevel level)
 {
-    {
-        ZuLoggerLocks::MutexLocker locker(&m_detailsLevelMutex);
-        m_detailsLevel = level;
-    }
+    m_detailsLevel.store(level, std::memory_order_release);
     // Statements that were skipped may be wanted now.
     LoggerStatementGate::invalidate();
 }

@@ -5,6 +5,8 @@
 
 #include <QMutex>
 
+#include <atomic>
+
 /**
  * @brief The place where a record leaves the logger: filters by level, writes one at a time.
  *
@@ -47,6 +49,6 @@ public:
 
 private:
     QMutex m_writeMutex;
-    Logger::LogLevel m_detailsLevel;
-    mutable QMutex m_detailsLevelMutex;
+    // Read by every record from any thread, written rarely: a lock-free value.
+    std::atomic<int> m_detailsLevel;
 };

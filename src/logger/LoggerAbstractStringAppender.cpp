@@ -1,3 +1,4 @@
+#include "logger/LoggerFormat_p.h"
 #include "logger/LoggerLocks_p.h"
 
 #include <zucore/LoggerAbstractStringAppender.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -21,19 +23,6 @@ inline int indexOfText(const QByteArray &info, const char *text)
 
 // Padding beyond this is not honoured: a stray width must not allocate gigabytes.
 constexpr int maxFieldWidth = 65536;
-
-inline bool isCommand(const QChar *cmd, int len, const char *name, int nameLen)
-{
-    if (len != nameLen)
-        return false;
-    for (int k = 0; k < len; ++k) {
-        if (cmd[k].unicode() != ushort(uchar(name[k])))
-            return false;
-    }
-    return true;
-}
-
-#define ZU_IS_COMMAND(name) isCommand(cmd, cmdLen, name, int(sizeof(name) - 1))
 
 // The width text is a digit or a dash followed by digits; QString::toInt decides its value.
 // Plain ASCII of a few digits is converted by hand with the same result.
@@ -62,10 +51,114 @@ int widthFromText(const QChar *text, int len)
     return QString(text, len).toInt(nullptr, 10);
 }
 
-inline void appendTwoDigits(QChar *&out, int value)
+// Writes a record into a QString used as a plain buffer: the whole of its size is room, and the
+// record's length is kept here, not in the string. Chunks are copied without a call into QString
+// each, and a buffer reused for the next record needs no resize at all.
+class LineWriter
 {
-    *out++ = QLatin1Char(char('0' + value / 10));
-    *out++ = QLatin1Char(char('0' + value % 10));
+public:
+    LineWriter(QString &buffer, int expected)
+        : m_out(buffer)
+        , m_capacity(int(buffer.size()))
+    {
+        if (m_capacity < expected)
+            grow(expected);
+        else
+            m_data = m_out.data();
+    }
+    LineWriter(const LineWriter &) = delete;
+    LineWriter &operator=(const LineWriter &) = delete;
+
+    int size() const { return m_used; }
+    QChar *at(int position) { return m_data + position; }
+    // Room for @p n more characters; commit() those written.
+    QChar *room(int n)
+    {
+        if (m_capacity - m_used < n)
+            grow(n);
+        return m_data + m_used;
+    }
+    void commit(int n) { m_used += n; }
+    void truncate(int size) { m_used = size; }
+    void append(const QChar *text, int n)
+    {
+        std::memcpy(room(n), text, size_t(n) * sizeof(QChar));
+        m_used += n;
+    }
+    void append(const QString &text) { append(text.constData(), text.size()); }
+    void append(QChar c)
+    {
+        *room(1) = c;
+        ++m_used;
+    }
+    void appendLatin1(const char *text)
+    {
+        const int n = int(std::strlen(text));
+        QChar *const out = room(n);
+        for (int k = 0; k < n; ++k)
+            out[k] = QLatin1Char(text[k]);
+        m_used += n;
+    }
+
+private:
+    void grow(int n)
+    {
+        // QString holds at most about 2^30 characters; asking for more fails in QString itself.
+        const qint64 wanted = qMax(qint64(m_used) + n, qint64(m_capacity) * 3 / 2);
+        m_out.resize(int(qMin(wanted, qint64(std::numeric_limits<int>::max() / 2))));
+        m_out.resize(int(m_out.capacity()));
+        m_data = m_out.data();
+        m_capacity = int(m_out.size());
+    }
+
+    QString &m_out;
+    QChar *m_data = nullptr;
+    int m_used = 0;
+    int m_capacity = 0;
+};
+
+// What a thread remembers from record to record: values that depend on where and when a record
+// was made, never on the pattern.
+struct Site
+{
+    const char *address = nullptr;
+    QByteArray signature;
+    QString name;
+};
+
+struct Day
+{
+    qint64 julianDay = std::numeric_limits<qint64>::min();
+    int year = 0;
+    int month = 0;
+    int day = 0;
+};
+
+struct ThreadMemory
+{
+    static constexpr int SiteCount = 64;
+    Site sites[SiteCount];
+    // Records of a thread mostly fall on the day of its previous one.
+    Day day;
+};
+
+// Not inlined: the caller keeps the address, instead of asking for it again after every call.
+Q_NEVER_INLINE ThreadMemory &threadMemory()
+{
+    thread_local ThreadMemory memory;
+    return memory;
+}
+
+inline void putTwoDigits(QChar *out, int value)
+{
+    out[0] = QLatin1Char(char('0' + value / 10));
+    out[1] = QLatin1Char(char('0' + value % 10));
+}
+
+inline void putThreeDigits(QChar *out, int value)
+{
+    out[0] = QLatin1Char(char('0' + value / 100));
+    putTwoDigits(out + 1, value % 100);
 }
 
 bool systemLocaleUsesAsciiDigits()
@@ -74,22 +167,60 @@ bool systemLocaleUsesAsciiDigits()
     return ascii;
 }
 
+inline bool isFormat(const QChar *fmt, int len, const QString &format)
+{
+    return len == format.size() && std::memcmp(fmt, format.constData(), size_t(len) * 2) == 0;
+}
+
 // QDateTime::toString is slow for what a log line needs. The common date formats (made of
 // yyyy, MM, dd, HH, mm, ss, zzz and characters that the date formatter copies as they are) are
 // written here, straight into the line, with the same result; anything else goes to
 // QDateTime::toString.
-void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *fmt, int len)
+void appendTimeStamp(LineWriter &out, Day &parts, const QDateTime &timeStamp, const QChar *fmt,
+                     int len)
 {
     if (len > 0 && len <= 64 && timeStamp.isValid() && systemLocaleUsesAsciiDigits()) {
-        int year = 0;
-        int month = 0;
-        int day = 0;
-        timeStamp.date().getDate(&year, &month, &day);
+        const QDate date = timeStamp.date();
+        if (date.toJulianDay() != parts.julianDay) {
+            date.getDate(&parts.year, &parts.month, &parts.day);
+            parts.julianDay = date.toJulianDay();
+        }
+        const int year = parts.year;
+        const int month = parts.month;
+        const int day = parts.day;
         if (year >= 1000 && year <= 9999) {
-            const QTime time = timeStamp.time();
-            const int start = result.size();
-            result.resize(start + len + 1); // no field grows: yyyy 4, zzz 3, the rest 2
-            QChar *const begin = result.data() + start;
+            const int msecs = timeStamp.time().msecsSinceStartOfDay();
+            const int hour = msecs / 3600000;
+            const int minute = msecs / 60000 % 60;
+            const int second = msecs / 1000 % 60;
+            const int msec = msecs % 1000;
+            // The two formats nearly every pattern uses, written without a walk.
+            static const QString isoFormat = QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz");
+            static const QString clockFormat = QStringLiteral("HH:mm:ss.zzz");
+            if (isFormat(fmt, len, isoFormat) || isFormat(fmt, len, clockFormat)) {
+                QChar *o = out.room(len);
+                if (len == isoFormat.size()) {
+                    putTwoDigits(o, year / 100);
+                    putTwoDigits(o + 2, year % 100);
+                    o[4] = QLatin1Char('-');
+                    putTwoDigits(o + 5, month);
+                    o[7] = QLatin1Char('-');
+                    putTwoDigits(o + 8, day);
+                    o[10] = QLatin1Char('T');
+                    o += 11;
+                }
+                putTwoDigits(o, hour);
+                o[2] = QLatin1Char(':');
+                putTwoDigits(o + 3, minute);
+                o[5] = QLatin1Char(':');
+                putTwoDigits(o + 6, second);
+                o[8] = QLatin1Char('.');
+                putThreeDigits(o + 9, msec);
+                out.commit(len);
+                return;
+            }
+            const int start = out.size();
+            QChar *const begin = out.room(len); // no field grows: yyyy 4, zzz 3, the rest 2
             QChar *o = begin;
             bool handled = true;
             for (int k = 0; k < len && handled;) {
@@ -100,8 +231,9 @@ void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *f
                 switch (c) {
                 case 'y':
                     if (run == 4) {
-                        appendTwoDigits(o, year / 100);
-                        appendTwoDigits(o, year % 100);
+                        putTwoDigits(o, year / 100);
+                        putTwoDigits(o + 2, year % 100);
+                        o += 4;
                     } else if (run == 1) {
                         *o++ = fmt[k];
                     } else {
@@ -117,20 +249,21 @@ void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *f
                         handled = false;
                         break;
                     }
-                    appendTwoDigits(o,
-                                    c == 'M'       ? month
-                                        : c == 'd' ? day
-                                        : c == 'H' ? time.hour()
-                                        : c == 'm' ? time.minute()
-                                                   : time.second());
+                    putTwoDigits(o,
+                                 c == 'M'       ? month
+                                     : c == 'd' ? day
+                                     : c == 'H' ? hour
+                                     : c == 'm' ? minute
+                                                : second);
+                    o += 2;
                     break;
                 case 'z':
                     if (run != 3) {
                         handled = false;
                         break;
                     }
-                    *o++ = QLatin1Char(char('0' + time.msec() / 100));
-                    appendTwoDigits(o, time.msec() % 100);
+                    putThreeDigits(o, msec);
+                    o += 3;
                     break;
                 case 'A':
                 case 'a':
@@ -151,52 +284,46 @@ void appendTimeStamp(QString &result, const QDateTime &timeStamp, const QChar *f
                 k += run;
             }
             if (handled) {
-                result.resize(start + int(o - begin));
+                out.commit(int(o - begin));
                 return;
             }
-            result.resize(start);
+            out.truncate(start);
         }
     }
-    result.append(timeStamp.toString(QString(fmt, len)));
+    out.append(timeStamp.toString(QString(fmt, len)));
 }
 
-// Pads the text appended since start as QString::arg("%1", width, ' ') would: a positive width
+// Pads the text written since start as QString::arg("%1", width, ' ') would: a positive width
 // aligns right, a negative one left, and longer text is left as it is.
-void padField(QString &result, int start, int fieldWidth)
+void padField(LineWriter &out, int start, int fieldWidth)
 {
-    const int length = result.size() - start;
+    const int length = out.size() - start;
     // In 64 bits: the magnitude of INT_MIN has no int.
     const int padding = int(qMin(qAbs(qint64(fieldWidth)), qint64(maxFieldWidth))) - length;
     if (padding <= 0)
         return;
-    result.resize(result.size() + padding);
-    QChar *const field = result.data() + start;
+    out.room(padding);
+    QChar *const field = out.at(start);
     if (fieldWidth > 0) {
         std::memmove(field + padding, field, size_t(length) * sizeof(QChar));
         std::fill(field, field + padding, QLatin1Char(' '));
     } else {
         std::fill(field + length, field + length + padding, QLatin1Char(' '));
     }
+    out.commit(padding);
 }
 
 // The clean-up of a signature costs more than the rest of a record's format walk, and an
 // application logs from a limited set of functions. Each thread keeps the clean names of the
 // call sites it met last, found by the signature's address and confirmed by its text (a caller
 // may reuse one buffer for other texts). It depends on the signature alone, not on the pattern.
-QString cleanFunctionName(const char *function)
+// The name stays valid until this thread cleans another signature.
+const QString &cleanFunctionName(Site *sites, const char *function)
 {
-    struct Site
-    {
-        const char *address = nullptr;
-        QByteArray signature;
-        QString name;
-    };
-    constexpr int SiteCount = 64;
-    thread_local Site sites[SiteCount];
     if (!function)
         function = "";
     const quintptr a = quintptr(function);
-    Site &site = sites[((a >> 3) ^ (a >> 9)) % SiteCount];
+    Site &site = sites[((a >> 3) ^ (a >> 9)) % ThreadMemory::SiteCount];
     // glibc's strcmp reads the text a vector at a time; QByteArray's comparison a byte at a time.
     if (site.address != function || std::strcmp(site.signature.constData(), function) != 0) {
         site.name = LoggerAbstractStringAppender::stripFunctionName(function);
@@ -206,7 +333,251 @@ QString cleanFunctionName(const char *function)
     return site.name;
 }
 
+inline bool isLetter(QChar c)
+{
+    const ushort u = c.unicode();
+    return u < 128 ? ushort((u | 0x20) - 'a') < 26u : c.isLetter();
+}
+
+enum class Command {
+    Time,
+    Type,
+    TypeUpper,
+    TypeOne,
+    TypeOneUpper,
+    FilePath,
+    FileName,
+    Line,
+    Signature,
+    FunctionName,
+    Message,
+    Category,
+    Pid,
+    AppName,
+    ThreadId,
+    Unknown
+};
+
+// True if the command at @p cmd is @p name: the whole name, not followed by another letter.
+template<size_t N> inline bool isCommand(const QChar *cmd, qptrdiff left, const char16_t (&name)[N])
+{
+    constexpr qptrdiff length = qptrdiff(N) - 1;
+    if (left < length)
+        return false;
+    // A comparison of a known small size compiles to a few word compares.
+    if (std::memcmp(cmd, name, size_t(length) * sizeof(QChar)) != 0)
+        return false;
+    return left == length || !isLetter(cmd[length]);
+}
+
+// The command named at @p cmd: the letters up to the first character that is not one. Known
+// names are matched whole instead of scanning the letters one by one.
+Command commandAt(const QChar *cmd, const QChar *end, int *length)
+{
+    const qptrdiff left = end - cmd;
+#define ZU_COMMAND(name, command)                                                                  \
+    if (isCommand(cmd, left, name)) {                                                              \
+        *length = int(sizeof(name) / sizeof(char16_t)) - 1;                                        \
+        return command;                                                                            \
+    }
+    switch (cmd[0].unicode()) {
+    case 't':
+        ZU_COMMAND(u"time", Command::Time)
+        ZU_COMMAND(u"type", Command::Type)
+        ZU_COMMAND(u"typeOne", Command::TypeOne)
+        ZU_COMMAND(u"threadid", Command::ThreadId)
+        break;
+    case 'T':
+        ZU_COMMAND(u"Type", Command::TypeUpper)
+        ZU_COMMAND(u"TypeOne", Command::TypeOneUpper)
+        break;
+    case 'f':
+        ZU_COMMAND(u"function", Command::FunctionName)
+        ZU_COMMAND(u"file", Command::FileName)
+        break;
+    case 'F':
+        ZU_COMMAND(u"Function", Command::Signature)
+        ZU_COMMAND(u"File", Command::FilePath)
+        break;
+    case 'm':
+        ZU_COMMAND(u"message", Command::Message)
+        break;
+    case 'l':
+        ZU_COMMAND(u"line", Command::Line)
+        break;
+    case 'c':
+        ZU_COMMAND(u"category", Command::Category)
+        break;
+    case 'p':
+        ZU_COMMAND(u"pid", Command::Pid)
+        break;
+    case 'a':
+        ZU_COMMAND(u"appname", Command::AppName)
+        break;
+    default:
+        break;
+    }
+#undef ZU_COMMAND
+    int n = 0;
+    while (n < left && isLetter(cmd[n]))
+        ++n;
+    *length = n;
+    return Command::Unknown;
+}
+
+// The time field at @p *i (just behind its name): an optional date format in a second brace
+// pair, or the default. Leaves @p *i on the character that ends the field.
+void appendTime(LineWriter &out, Day &day, const QDateTime &timeStamp, const QChar *p, int size,
+                int *i)
+{
+    if (*i + 1 < size && p[*i + 1] == QLatin1Char('{')) {
+        // The first character of the format is taken as it is, even a closing brace.
+        const QChar *const format = p + *i + 2;
+        const QChar *const end = p + size;
+        static const QString isoField = QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz}");
+        // The usual format is known without a search for its end.
+        const QChar *close = end - format >= isoField.size()
+                && std::memcmp(format, isoField.constData(), size_t(isoField.size()) * 2) == 0
+            ? format + isoField.size() - 1
+            : format + 1;
+        while (close < end && *close != QLatin1Char('}'))
+            ++close;
+        if (close < end) {
+            const int length = int(close - format);
+            appendTimeStamp(out, day, timeStamp, format, length);
+            *i += length + 2;
+            return;
+        }
+    }
+    static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
+    appendTimeStamp(out, day, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
+}
+
 } // namespace
+
+int ZuLoggerFormat::formatRecord(QString &buffer, const QString &f, const QDateTime &timeStamp,
+                                 Logger::LogLevel logLevel, const char *file, int line,
+                                 const char *function, const QString &category,
+                                 const QString &message)
+{
+    const int size = f.size();
+    if (size == 0)
+        return 0;
+    LineWriter out(buffer, size + message.size() + 96);
+    ThreadMemory &memory = threadMemory();
+
+    const QChar *const p = f.constData();
+    int i = 0;
+    while (i < size) {
+        // Literal text up to the next field goes in as one chunk.
+        int literal = i;
+        while (literal < size && p[literal] != QLatin1Char('%'))
+            ++literal;
+        if (literal > i) {
+            out.append(p + i, literal - i);
+            i = literal;
+            continue;
+        }
+        // A "%" in the last two positions is plain text.
+        if (i + 2 >= size) {
+            out.append(p[i]);
+            ++i;
+            continue;
+        }
+
+        // The character behind "%" is taken for the opening brace without looking at it.
+        i += 2;
+        const QChar *const cmd = p + i;
+        int cmdLen = 0;
+        const Command command = i < size ? commandAt(cmd, p + size, &cmdLen) : Command::Unknown;
+        i += cmdLen;
+
+        int fieldWidth = 0;
+        if (cmdLen > 0 && i < size && p[i] == QLatin1Char(':')) {
+            ++i;
+            // In ASCII only the hyphen-minus is a dash.
+            if (i < size
+                && (p[i].isDigit() || p[i] == QLatin1Char('-')
+                    || (p[i].unicode() >= 128 && p[i].category() == QChar::Punctuation_Dash))) {
+                const int widthStart = i;
+                ++i;
+                while (i < size && p[i].isDigit())
+                    ++i;
+                fieldWidth = widthFromText(p + widthStart, i - widthStart);
+            }
+        }
+
+        // Each chunk goes straight into the line; padField pads it afterwards.
+        const int fieldStart = out.size();
+        switch (command) {
+        case Command::Time:
+            appendTime(out, memory.day, timeStamp, p, size, &i);
+            break;
+        case Command::Type:
+            out.append(Logger::levelToString(logLevel));
+            break;
+        case Command::TypeUpper:
+            out.append(Logger::levelToString(logLevel).toUpper());
+            break;
+        case Command::TypeOne:
+            out.append(Logger::levelToString(logLevel).left(1).toLower());
+            break;
+        case Command::TypeOneUpper:
+            out.append(Logger::levelToString(logLevel).left(1).toUpper());
+            break;
+        case Command::FilePath:
+            if (file)
+                out.appendLatin1(file);
+            break;
+        case Command::FileName:
+            // The part behind the last slash or backslash, as a section by "[/\\]" gives it.
+            if (file) {
+                const char *name = file;
+                for (const char *c = file; *c; ++c) {
+                    if (*c == '/' || *c == '\\')
+                        name = c + 1;
+                }
+                out.appendLatin1(name);
+            }
+            break;
+        case Command::Line:
+            out.append(QString::number(line));
+            break;
+        case Command::Signature:
+            if (function)
+                out.appendLatin1(function);
+            break;
+        case Command::FunctionName:
+            out.append(cleanFunctionName(memory.sites, function));
+            break;
+        case Command::Message:
+            out.append(message);
+            break;
+        case Command::Category:
+            out.append(category);
+            break;
+        case Command::Pid:
+            out.append(QString::number(QCoreApplication::applicationPid()));
+            break;
+        case Command::AppName:
+            out.append(QCoreApplication::applicationName());
+            break;
+        case Command::ThreadId:
+            out.appendLatin1("0x");
+            out.append(QString::number(qintptr(QThread::currentThread()), 16));
+            break;
+        case Command::Unknown:
+            out.append(QLatin1Char('%'));
+            out.append(cmd, cmdLen);
+            break;
+        }
+        padField(out, fieldStart, fieldWidth);
+
+        // Skip the character on which the field ends, normally its closing brace.
+        ++i;
+    }
+    return out.size();
+}
 
 LoggerAbstractStringAppender::LoggerAbstractStringAppender()
     : m_format(
@@ -231,125 +602,14 @@ QString LoggerAbstractStringAppender::formattedString(const QDateTime &timeStamp
                                                       const QString &category,
                                                       const QString &message) const
 {
-    const QString f = format();
-    const int size = f.size();
+    const QString pattern = format();
+    if (pattern.isEmpty())
+        return QString();
     QString result;
-    if (size == 0)
-        return result;
-    result.reserve(size + message.size() + 96);
-
-    const QChar *const p = f.constData();
-    int i = 0;
-    while (i < size) {
-        // Literal text up to the next field goes in as one chunk.
-        int literal = i;
-        while (literal < size && p[literal] != QLatin1Char('%'))
-            ++literal;
-        if (literal > i) {
-            result.append(p + i, literal - i);
-            i = literal;
-            continue;
-        }
-        // A "%" in the last two positions is plain text.
-        if (i + 2 >= size) {
-            result.append(p[i]);
-            ++i;
-            continue;
-        }
-
-        // The character behind "%" is taken for the opening brace without looking at it.
-        i += 2;
-        const QChar *const cmd = p + i;
-        while (i < size && p[i].isLetter())
-            ++i;
-        const int cmdLen = int(p + i - cmd);
-
-        int fieldWidth = 0;
-        if (cmdLen > 0 && i < size && p[i] == QLatin1Char(':')) {
-            ++i;
-            // In ASCII only the hyphen-minus is a dash.
-            if (i < size
-                && (p[i].isDigit() || p[i] == QLatin1Char('-')
-                    || (p[i].unicode() >= 128 && p[i].category() == QChar::Punctuation_Dash))) {
-                const int widthStart = i;
-                ++i;
-                while (i < size && p[i].isDigit())
-                    ++i;
-                fieldWidth = widthFromText(p + widthStart, i - widthStart);
-            }
-        }
-
-        // Each chunk goes straight into the line; padField pads it afterwards.
-        const int fieldStart = result.size();
-        if (ZU_IS_COMMAND("time")) {
-            bool done = false;
-            if (i + 1 < size && p[i + 1] == QLatin1Char('{')) {
-                int j = 1;
-                while (i + 2 + j < size && p[i + 2 + j] != QLatin1Char('}'))
-                    ++j;
-                if (i + 2 + j < size) {
-                    appendTimeStamp(result, timeStamp, p + i + 2, j);
-                    i += j + 2;
-                    done = true;
-                }
-            }
-            if (!done) {
-                static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
-                appendTimeStamp(result, timeStamp, defaultTimeFormat.constData(),
-                                defaultTimeFormat.size());
-            }
-        } else if (ZU_IS_COMMAND("type")) {
-            result.append(Logger::levelToString(logLevel));
-        } else if (ZU_IS_COMMAND("Type")) {
-            result.append(Logger::levelToString(logLevel).toUpper());
-        } else if (ZU_IS_COMMAND("typeOne")) {
-            result.append(Logger::levelToString(logLevel).left(1).toLower());
-        } else if (ZU_IS_COMMAND("TypeOne")) {
-            result.append(Logger::levelToString(logLevel).left(1).toUpper());
-        } else if (ZU_IS_COMMAND("File")) {
-            if (file)
-                result.append(QLatin1String(file));
-        } else if (ZU_IS_COMMAND("file")) {
-            // The part behind the last slash or backslash, as a section by "[/\\]" gives it.
-            if (file) {
-                const char *name = file;
-                for (const char *c = file; *c; ++c) {
-                    if (*c == '/' || *c == '\\')
-                        name = c + 1;
-                }
-                result.append(QLatin1String(name));
-            }
-        } else if (ZU_IS_COMMAND("line")) {
-            result.append(QString::number(line));
-        } else if (ZU_IS_COMMAND("Function")) {
-            if (function)
-                result.append(QLatin1String(function));
-        } else if (ZU_IS_COMMAND("function")) {
-            result.append(cleanFunctionName(function));
-        } else if (ZU_IS_COMMAND("message")) {
-            result.append(message);
-        } else if (ZU_IS_COMMAND("category")) {
-            result.append(category);
-        } else if (ZU_IS_COMMAND("pid")) {
-            result.append(QString::number(QCoreApplication::applicationPid()));
-        } else if (ZU_IS_COMMAND("appname")) {
-            result.append(QCoreApplication::applicationName());
-        } else if (ZU_IS_COMMAND("threadid")) {
-            result.append(QLatin1String("0x"));
-            result.append(QString::number(qintptr(QThread::currentThread()), 16));
-        } else {
-            result.append(QLatin1Char('%'));
-            result.append(cmd, cmdLen);
-        }
-        padField(result, fieldStart, fieldWidth);
-
-        // Skip the character on which the field ends, normally its closing brace.
-        ++i;
-    }
+    result.resize(ZuLoggerFormat::formatRecord(result, pattern, timeStamp, logLevel, file, line,
+                                               function, category, message));
     return result;
 }
-
-#undef ZU_IS_COMMAND
 
 QByteArray LoggerAbstractStringAppender::qCleanupFuncinfo(const char *name)
 {

@@ -1,9 +1,29 @@
 #include "compat/ZuTextCodec.h"
+#include "logger/LoggerFormat_p.h"
 #include "logger/LoggerLocks_p.h"
 
 #include <zucore/LoggerFileAppender.h>
 
 #include <cstdio>
+
+namespace {
+
+// Each thread formats into buffers of its own that outlive the record, so that a record costs no
+// allocation. Buffers grown by a huge record are given back afterwards.
+struct Buffers
+{
+    QString text;
+    QByteArray bytes;
+};
+
+// Not inlined: the caller keeps the address, instead of asking for it again after every call.
+Q_NEVER_INLINE Buffers &threadBuffers()
+{
+    thread_local Buffers buffers;
+    return buffers;
+}
+
+} // namespace
 
 LoggerFileAppender::LoggerFileAppender(const QString &fileName)
 {
@@ -71,13 +91,19 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
                                 const char *file, int line, const char *function,
                                 const QString &category, const QString &message)
 {
+    Buffers &buffers = threadBuffers();
+    constexpr int KeptCapacity = 64 * 1024;
+
     ZuLoggerLocks::MutexLocker locker(&m_logFileMutex);
-    if (!openFile())
+    if (!m_logFile.isOpen() && !openFile())
         return;
-    const QString text
-        = formattedString(timeStamp, logLevel, file, line, function, category, message);
-    // The stream's encoding decides the bytes; encoding the whole line here and handing it to
-    // the file skips the stream's own buffer, a copy and a conversion loop per record.
-    m_logFile.write(ZuCompat::encodeAsStream(m_logStream, text));
+    const int length = ZuLoggerFormat::formatRecord(buffers.text, format(), timeStamp, logLevel,
+                                                    file, line, function, category, message);
+    // The stream's encoding decides the bytes; encoding the line here and handing it to the
+    // file skips the stream's own buffer, a copy and a conversion loop per record.
+    ZuCompat::encodeAsStream(m_logStream, buffers.text.constData(), length, buffers.bytes);
+    m_logFile.write(buffers.bytes);
     m_logFile.flush();
+    if (buffers.text.size() > KeptCapacity || buffers.bytes.capacity() > KeptCapacity)
+        buffers = Buffers();
 }
