@@ -55,10 +55,21 @@ void printToStderr(const QByteArray &line)
 // logger mutex that this very thread holds: it goes straight to standard error instead.
 thread_local int appenderDepth = 0;
 
+// Not inlined: a caller keeps the address instead of asking for it again after every call.
+Q_NEVER_INLINE int &threadAppenderDepth()
+{
+    return appenderDepth;
+}
+
 struct AppenderScope
 {
-    AppenderScope() { ++appenderDepth; }
-    ~AppenderScope() { --appenderDepth; }
+    explicit AppenderScope(int &depth = threadAppenderDepth())
+        : m_depth(depth)
+    {
+        ++m_depth;
+    }
+    ~AppenderScope() { --m_depth; }
+    int &m_depth;
     Q_DISABLE_COPY(AppenderScope)
 };
 
@@ -113,15 +124,21 @@ void qtLoggerMessageHandler(QtMsgType type, const QMessageLogContext &context,
 // /etc/localtime again on every call when TZ is unset: several microseconds a record. Records
 // of the same thread in the same millisecond share one value, which is what the call would give
 // them anyway; a new millisecond asks again, so a change of the time zone is still seen.
+struct Cache
+{
+    qint64 msecs = -1;
+    QDateTime timeStamp;
+};
+
+Q_NEVER_INLINE Cache &threadTimeStampCache()
+{
+    thread_local Cache cache;
+    return cache;
+}
+
 QDateTime currentTimeStamp()
 {
-    struct Cache
-    {
-        qint64 msecs = -1;
-        QDateTime timeStamp;
-    };
-    thread_local Cache threadCache;
-    Cache &cache = threadCache;
+    Cache &cache = threadTimeStampCache();
     const qint64 msecs = QDateTime::currentMSecsSinceEpoch();
     if (msecs != cache.msecs) {
         cache.timeStamp = QDateTime::currentDateTime();
@@ -339,7 +356,8 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                    int line, const char *function, const char *category, const QString &message,
                    bool fromLocalInstance)
 {
-    if (appenderDepth > 0) {
+    int &depth = threadAppenderDepth();
+    if (depth > 0) {
         // A local logger passes its records on outside of any appender, so this is a record
         // raised by an appender of this thread: its logger's mutex is taken.
         writeReentrant(logLevel, function, message);
@@ -347,7 +365,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
     }
     ZuLoggerLocks::MutexLocker locker(&d->loggerMutex);
 
-    QString logCategory = QString::fromLatin1(category);
+    QString logCategory = category ? QString::fromLatin1(category) : QString();
     if (logCategory.isNull() && !d->defaultCategory.isNull())
         logCategory = d->defaultCategory;
 
@@ -366,7 +384,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
                 d->noAppendersCategories.append(logCategory);
             }
         } else {
-            AppenderScope scope;
+            AppenderScope scope(depth);
             for (LoggerAbstractAppender *appender : appenders)
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;
@@ -378,7 +396,7 @@ void Logger::write(const QDateTime &timeStamp, Logger::LogLevel logLevel, const 
             if (!noAppendersWarningPrinted.exchange(true))
                 printToStderr("No appenders registered with logger");
         } else {
-            AppenderScope scope;
+            AppenderScope scope(depth);
             for (LoggerAbstractAppender *appender : qAsConst(d->appenders))
                 appender->write(timeStamp, logLevel, file, line, function, logCategory, message);
             wasWritten = true;

@@ -126,20 +126,37 @@ struct Site
     QString name;
 };
 
-struct Day
+// The parts of the last time stamp written: records of a thread come many to a millisecond.
+struct Clock
 {
-    qint64 julianDay = std::numeric_limits<qint64>::min();
+    bool known = false;
+    QDateTime timeStamp;
     int year = 0;
     int month = 0;
     int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int msec = 0;
+
+    void set(const QDateTime &stamp)
+    {
+        timeStamp = stamp;
+        stamp.date().getDate(&year, &month, &day);
+        const int msecs = stamp.time().msecsSinceStartOfDay();
+        hour = msecs / 3600000;
+        minute = msecs / 60000 % 60;
+        second = msecs / 1000 % 60;
+        msec = msecs % 1000;
+        known = true;
+    }
 };
 
 struct ThreadMemory
 {
     static constexpr int SiteCount = 64;
     Site sites[SiteCount];
-    // Records of a thread mostly fall on the day of its previous one.
-    Day day;
+    Clock clock;
 };
 
 // Not inlined: the caller keeps the address, instead of asking for it again after every call.
@@ -176,24 +193,20 @@ inline bool isFormat(const QChar *fmt, int len, const QString &format)
 // yyyy, MM, dd, HH, mm, ss, zzz and characters that the date formatter copies as they are) are
 // written here, straight into the line, with the same result; anything else goes to
 // QDateTime::toString.
-void appendTimeStamp(LineWriter &out, Day &parts, const QDateTime &timeStamp, const QChar *fmt,
+void appendTimeStamp(LineWriter &out, Clock &clock, const QDateTime &timeStamp, const QChar *fmt,
                      int len)
 {
     if (len > 0 && len <= 64 && timeStamp.isValid() && systemLocaleUsesAsciiDigits()) {
-        const QDate date = timeStamp.date();
-        if (date.toJulianDay() != parts.julianDay) {
-            date.getDate(&parts.year, &parts.month, &parts.day);
-            parts.julianDay = date.toJulianDay();
-        }
-        const int year = parts.year;
-        const int month = parts.month;
-        const int day = parts.day;
+        if (!clock.known || !(timeStamp == clock.timeStamp))
+            clock.set(timeStamp);
+        const int year = clock.year;
         if (year >= 1000 && year <= 9999) {
-            const int msecs = timeStamp.time().msecsSinceStartOfDay();
-            const int hour = msecs / 3600000;
-            const int minute = msecs / 60000 % 60;
-            const int second = msecs / 1000 % 60;
-            const int msec = msecs % 1000;
+            const int month = clock.month;
+            const int day = clock.day;
+            const int hour = clock.hour;
+            const int minute = clock.minute;
+            const int second = clock.second;
+            const int msec = clock.msec;
             // The two formats nearly every pattern uses, written without a walk.
             static const QString isoFormat = QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz");
             static const QString clockFormat = QStringLiteral("HH:mm:ss.zzz");
@@ -425,9 +438,24 @@ Command commandAt(const QChar *cmd, const QChar *end, int *length)
     return Command::Unknown;
 }
 
+// Logger::levelToString(), looked up in a table made from it once.
+const QString &levelName(Logger::LogLevel level)
+{
+    static const QString names[] = {
+        Logger::levelToString(Logger::Trace), Logger::levelToString(Logger::Debug),
+        Logger::levelToString(Logger::Info),  Logger::levelToString(Logger::Warning),
+        Logger::levelToString(Logger::Error), Logger::levelToString(Logger::Fatal),
+    };
+    const int index = int(level) - int(Logger::Trace);
+    if (index >= 0 && index < int(sizeof names / sizeof *names))
+        return names[index];
+    static const QString none; // what levelToString() gives any other value
+    return none;
+}
+
 // The time field at @p *i (just behind its name): an optional date format in a second brace
 // pair, or the default. Leaves @p *i on the character that ends the field.
-void appendTime(LineWriter &out, Day &day, const QDateTime &timeStamp, const QChar *p, int size,
+void appendTime(LineWriter &out, Clock &clock, const QDateTime &timeStamp, const QChar *p, int size,
                 int *i)
 {
     if (*i + 1 < size && p[*i + 1] == QLatin1Char('{')) {
@@ -444,13 +472,13 @@ void appendTime(LineWriter &out, Day &day, const QDateTime &timeStamp, const QCh
             ++close;
         if (close < end) {
             const int length = int(close - format);
-            appendTimeStamp(out, day, timeStamp, format, length);
+            appendTimeStamp(out, clock, timeStamp, format, length);
             *i += length + 2;
             return;
         }
     }
     static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
-    appendTimeStamp(out, day, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
+    appendTimeStamp(out, clock, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
 }
 
 } // namespace
@@ -511,10 +539,10 @@ int ZuLoggerFormat::formatRecord(QString &buffer, const QString &f, const QDateT
         const int fieldStart = out.size();
         switch (command) {
         case Command::Time:
-            appendTime(out, memory.day, timeStamp, p, size, &i);
+            appendTime(out, memory.clock, timeStamp, p, size, &i);
             break;
         case Command::Type:
-            out.append(Logger::levelToString(logLevel));
+            out.append(levelName(logLevel));
             break;
         case Command::TypeUpper:
             out.append(Logger::levelToString(logLevel).toUpper());

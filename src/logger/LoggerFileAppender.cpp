@@ -1,6 +1,7 @@
 #include "compat/ZuTextCodec.h"
 #include "logger/LoggerFormat_p.h"
 #include "logger/LoggerLocks_p.h"
+#include "platform/FileWrite.h"
 
 #include <zucore/LoggerFileAppender.h>
 
@@ -61,7 +62,7 @@ bool LoggerFileAppender::openFile()
         return false;
     if (m_logFile.isOpen())
         return true;
-    // Unbuffered: each record is flushed anyway, so QFile's buffer would only add a copy.
+    // Unbuffered: each record goes to the system at once, and no buffer adds a copy.
     if (m_logFile.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text
                        | QIODevice::Unbuffered)) {
         m_logStream.setDevice(&m_logFile);
@@ -102,8 +103,9 @@ void LoggerFileAppender::append(const QDateTime &timeStamp, Logger::LogLevel log
     // The stream's encoding decides the bytes; encoding the line here and handing it to the
     // file skips the stream's own buffer, a copy and a conversion loop per record.
     ZuCompat::encodeAsStream(m_logStream, buffers.text.constData(), length, buffers.bytes);
-    m_logFile.write(buffers.bytes);
-    m_logFile.flush();
+    // The file is unbuffered: the record goes to the system at once, and there is nothing left
+    // for a flush to do.
+    ZuPlatform::appendToFile(m_logFile, buffers.bytes.constData(), buffers.bytes.size());
     if (buffers.text.size() > KeptCapacity || buffers.bytes.capacity() > KeptCapacity)
         buffers = Buffers();
 }

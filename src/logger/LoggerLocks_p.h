@@ -43,6 +43,8 @@ inline void releasing(const void *lock)
 #endif
 }
 
+// Takes the logger's plain (non-recursive) QMutexes through QBasicMutex, whose uncontended lock
+// and unlock are inline atomics, where QMutex's own are calls into Qt on every record.
 class MutexLocker
 {
     Q_DISABLE_COPY(MutexLocker)
@@ -60,7 +62,7 @@ public:
     }
 
 private:
-    QMutex *m_mutex;
+    QBasicMutex *m_mutex;
 };
 
 class ReadLocker

@@ -39,8 +39,7 @@ public:
     static inline int alive = 0; // records in existence
 };
 
-// Four columns, one beyond the fields; cells have no rows, as in a plain table.
-// A "note" cell has a note, a "bad" one is invalid; inserts can be refused.
+// Flat, four columns (one beyond the fields); a "note" cell has a note, a "bad" one is invalid.
 class Records : public OldZuAbstractTableModel
 {
 public:

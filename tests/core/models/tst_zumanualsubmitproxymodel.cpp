@@ -10,8 +10,7 @@
 
 namespace {
 
-// A staged table in a real view, either behind the library's sort/filter proxy (what Qt does by
-// itself) or behind the manual-submit proxy, which runs under the model tester.
+// A staged table in a real view, behind a plain proxy or the guarding one (under the model tester).
 struct Setup
 {
     ZuAbstractTableModel table;

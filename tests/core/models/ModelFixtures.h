@@ -1,11 +1,15 @@
 #pragma once
-// A ZuTreeModel built from a shape, "A=1(a1=11(a1x=111),a2=12),B=2", which dump() reads back
-// from any model ('*': a changed cell, '~': null); at(model, "0/1"): row 1 under row 0, "-": root.
+// TestTree: a ZuTreeModel built from a shape, "A=1(a1=11(a1x=111),a2=12),B=2", which dump() reads
+// back from any model ('*': a changed cell, '~': null); at(model, "0/1"): row 1 under row 0, "-":
+// root.
 
+#include <zucore/Logger.h>
 #include <zucore/ZuAbstractTableModel.h>
 #include <zucore/ZuTreeModel.h>
 
+#include <QAbstractItemModelTester>
 #include <QIdentityProxyModel>
+#include <QRegularExpression>
 #include <QThread>
 
 template<class Base> class TestTreeOf : public Base
@@ -95,4 +99,36 @@ public:
     {
         return parent.column() > 0 ? 0 : QIdentityProxyModel::rowCount(parent);
     }
+};
+
+// A model tester whose reports are gathered, for a proxy that breaks some rules by design:
+// unexpected() lists those on rules other than `allowed`, or says that none came (it did not
+// watch).
+class ReportingTester
+{
+public:
+    ReportingTester(QAbstractItemModel *model, const QString &allowed)
+        : allowed(allowed)
+        , previous((cuteLoggerInstance(), // the global logger installs its handler when made
+                    reports.clear(),
+                    qInstallMessageHandler(
+                        [](QtMsgType, const QMessageLogContext &c, const QString &message) {
+                            if (qstrcmp(c.category, "qt.modeltest") == 0)
+                                reports << message;
+                        })))
+        , tester(model, QAbstractItemModelTester::FailureReportingMode::Warning)
+    { }
+    ~ReportingTester() { qInstallMessageHandler(previous); }
+    QStringList unexpected() const
+    {
+        if (reports.isEmpty())
+            return { "no report seen" };
+        return reports.filter(QRegularExpression("^(?![\\s\\S]*(" + allowed + ")\\.isValid)"));
+    }
+
+private:
+    static inline QStringList reports;
+    const QString allowed;
+    QtMessageHandler previous;
+    QAbstractItemModelTester tester;
 };
