@@ -64,7 +64,8 @@ inline void encodeAsStream(const QTextStream &stream, const QChar *text, int len
     }
     // ASCII, nearly every log line, is its own UTF-8: narrowed here into the kept buffer, four
     // characters a step, with one test at the end for anything beyond ASCII.
-    out.resize(length);
+    if (out.size() != length)
+        out.resize(length);
     char *const bytes = out.data();
     quint64 high = 0;
     int k = 0;

@@ -136,7 +136,7 @@ Q_NEVER_INLINE Cache &threadTimeStampCache()
     return cache;
 }
 
-QDateTime currentTimeStamp()
+const QDateTime &currentTimeStamp()
 {
     Cache &cache = threadTimeStampCache();
     const qint64 msecs = QDateTime::currentMSecsSinceEpoch();
@@ -343,6 +343,12 @@ QString Logger::defaultCategory() const
 void Logger::write(Logger::LogLevel logLevel, const char *file, int line, const char *function,
                    const char *category, const QString &message)
 {
+    // A record raised inside an appender goes to standard error before it reads the clock: the
+    // time stamp is this thread's kept one, which the record being written still refers to.
+    if (threadAppenderDepth() > 0) {
+        writeReentrant(logLevel, function, message);
+        return;
+    }
     write(currentTimeStamp(), logLevel, file, line, function, category, message, false);
 }
 

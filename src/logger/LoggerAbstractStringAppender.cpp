@@ -1,5 +1,6 @@
 #include "logger/LoggerFormat_p.h"
 #include "logger/LoggerLocks_p.h"
+#include "platform/ReadOnlyData.h"
 
 #include <zucore/LoggerAbstractStringAppender.h>
 
@@ -122,6 +123,9 @@ private:
 struct Site
 {
     const char *address = nullptr;
+    // The text lies in a program's read-only data (a Q_FUNC_INFO literal): its address alone
+    // names it. Anything else (a caller's buffer) is compared as text on every record.
+    bool literal = false;
     QByteArray signature;
     QString name;
 };
@@ -328,8 +332,9 @@ void padField(LineWriter &out, int start, int fieldWidth)
 
 // The clean-up of a signature costs more than the rest of a record's format walk, and an
 // application logs from a limited set of functions. Each thread keeps the clean names of the
-// call sites it met last, found by the signature's address and confirmed by its text (a caller
-// may reuse one buffer for other texts). It depends on the signature alone, not on the pattern.
+// call sites it met last, found by the signature's address. A literal's address is enough; any
+// other text is confirmed by comparing it (a caller may reuse one buffer for other texts). It
+// depends on the signature alone, not on the pattern.
 // The name stays valid until this thread cleans another signature.
 const QString &cleanFunctionName(Site *sites, const char *function)
 {
@@ -338,10 +343,12 @@ const QString &cleanFunctionName(Site *sites, const char *function)
     const quintptr a = quintptr(function);
     Site &site = sites[((a >> 3) ^ (a >> 9)) % ThreadMemory::SiteCount];
     // glibc's strcmp reads the text a vector at a time; QByteArray's comparison a byte at a time.
-    if (site.address != function || std::strcmp(site.signature.constData(), function) != 0) {
+    if (site.address != function
+        || (!site.literal && std::strcmp(site.signature.constData(), function) != 0)) {
         site.name = LoggerAbstractStringAppender::stripFunctionName(function);
         site.signature = function;
         site.address = function;
+        site.literal = ZuPlatform::isReadOnlyData(function);
     }
     return site.name;
 }
@@ -614,13 +621,14 @@ LoggerAbstractStringAppender::LoggerAbstractStringAppender()
 
 QString LoggerAbstractStringAppender::format() const
 {
-    ZuLoggerLocks::ReadLocker locker(&m_formatLock);
+    // A plain mutex: the copy is short, and its lock is inline where a read lock is a call.
+    ZuLoggerLocks::MutexLocker locker(&m_formatMutex);
     return m_format;
 }
 
 void LoggerAbstractStringAppender::setFormat(const QString &format)
 {
-    ZuLoggerLocks::WriteLocker locker(&m_formatLock);
+    ZuLoggerLocks::MutexLocker locker(&m_formatMutex);
     m_format = format;
 }
 

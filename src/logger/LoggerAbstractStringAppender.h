@@ -4,7 +4,7 @@
 #include <zucore/zucore_export.h>
 
 #include <QByteArray>
-#include <QReadWriteLock>
+#include <QMutex>
 
 /**
  * @brief An appender that turns each record into text by a format pattern.
@@ -28,7 +28,7 @@ public:
     /// An appender with the default pattern.
     LoggerAbstractStringAppender();
 
-    /// The pattern for the next record (a copy taken under a read lock).
+    /// The pattern for the next record (a copy taken under a lock).
     virtual QString format() const;
     /// Replaces the pattern from the next record on.
     void setFormat(const QString &format);
@@ -53,5 +53,5 @@ public:
 
 private:
     QString m_format;
-    mutable QReadWriteLock m_formatLock;
+    mutable QMutex m_formatMutex;
 };
