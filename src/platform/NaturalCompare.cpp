@@ -21,9 +21,9 @@ int naturalCompare(const QString &a, const QString &b)
     return r < 0 ? -1 : (r > 0 ? 1 : 0);
 }
 
-quint64 naturalSortPrefix(const QString &)
+bool appendNaturalSortKey(const QString &, std::string &)
 {
-    return 0;
+    return false;
 }
 
 #else
@@ -164,24 +164,38 @@ int compareUtf16(const ushort *pa, const ushort *ea, const ushort *pb, const ush
 
 } // namespace
 
-// The primary keys (18 bits each) of the first three code units, most significant first. A
-// digit ends the key with the digit class: what follows belongs to a run compared by value. A
-// shorter text pads with 0, below every key but that of U+0000, where the keys then tie.
-quint64 naturalSortPrefix(const QString &text)
+// The primary key of every code unit, three bytes big-endian (18 bits), in order; a digit run
+// instead writes the digit class, its length without leading zeros (four bytes) and those
+// digits. Byte order then follows compareUtf16() up to its tie: a run longer by value is longer,
+// and runs of one length compare digit by digit.
+bool appendNaturalSortKey(const QString &text, std::string &keys)
 {
     const ushort *p = reinterpret_cast<const ushort *>(text.constData());
-    const int n = qMin(int(text.size()), 3);
-    quint64 key = 0;
-    int k = 0;
-    for (; k < n; ++k) {
-        const uint primary = keyOf(p[k]).primary;
-        key = (key << 18) | primary;
-        if (primary == DigitClass) {
-            ++k;
-            break;
+    const ushort *const end = p + text.size();
+    const auto putUnit = [&keys](uint unit) {
+        const char bytes[3] = { char(unit >> 16), char(unit >> 8), char(unit) };
+        keys.append(bytes, 3);
+    };
+    while (p < end) {
+        if (!isDigit(*p)) {
+            putUnit(keyOf(*p).primary);
+            ++p;
+            continue;
         }
+        while (p < end && *p == '0')
+            ++p;
+        const ushort *const digits = p;
+        while (p < end && isDigit(*p))
+            ++p;
+        const quint32 length = quint32(p - digits);
+        putUnit(DigitClass);
+        const char size[4]
+            = { char(length >> 24), char(length >> 16), char(length >> 8), char(length) };
+        keys.append(size, 4);
+        for (const ushort *d = digits; d < p; ++d)
+            keys += char(*d);
     }
-    return key << (18 * (3 - k));
+    return true;
 }
 
 int naturalCompare(const QString &a, const QString &b)

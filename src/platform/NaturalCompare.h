@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <string>
+
 namespace ZuPlatform {
 
 /**
@@ -44,11 +46,12 @@ namespace ZuPlatform {
 int naturalCompare(const QString &a, const QString &b);
 
 /**
- * A key of the first characters of @p text for sorting many texts: when the keys of two texts
- * differ, naturalCompare() orders the texts as the keys are ordered; when they are equal, only
- * naturalCompare() can tell. So a sort may compare keys first and the texts only on a tie. The
- * key is 0 where the comparison is the system's own (Windows).
+ * Appends a sort key of @p text to @p keys, for sorting many texts. Two keys compare as byte
+ * strings (memcmp, a key that is the start of another first); where they differ, naturalCompare()
+ * orders the texts as their keys are ordered. Texts with equal keys differ at most in case,
+ * accents or leading zeros, which only naturalCompare() tells apart. Returns false and appends
+ * nothing where the comparison is the system's own (Windows).
  */
-quint64 naturalSortPrefix(const QString &text);
+bool appendNaturalSortKey(const QString &text, std::string &keys);
 
 } // namespace ZuPlatform

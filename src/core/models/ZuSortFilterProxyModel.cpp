@@ -7,6 +7,8 @@
 #include <QMap>
 
 #include <algorithm>
+#include <cstring>
+#include <string>
 #include <vector>
 
 namespace {
@@ -79,36 +81,52 @@ void ZuSortFilterProxyModelPrivate::rankRows(int column)
     const int rows = source->rowCount(QModelIndex());
     const int width = columns.size();
     // Read as lessThan() would: a cell out of range reads as the empty text. The first column
-    // travels with its row through the sort, the others are looked up.
+    // is sorted by its texts' sort keys, held in one buffer: a comparison is then mostly a
+    // memcmp, and the texts decide only between keys that tie. Further columns are looked up.
     struct Entry
     {
-        quint64 prefix; // decides most comparisons without touching the text
-        QString text;
+        quint64 head; // the key's first eight bytes, most significant first, zero-padded
+        quint32 offset;
+        quint32 length;
         int row;
     };
     std::vector<Entry> entries;
     entries.reserve(size_t(rows));
-    QVector<QString> more;
-    if (width > 1)
-        more.reserve(qsizetype(rows) * (width - 1));
+    std::string keys;
+    QVector<QString> texts(rows * width);
     for (int row = 0; row < rows; ++row) {
         for (int i = 0; i < width; ++i) {
             const QModelIndex cell = source->index(row, columns.at(i), QModelIndex());
-            QString text
-                = cell.isValid() ? source->data(cell, Qt::DisplayRole).toString() : QString();
-            if (i == 0)
-                entries.push_back({ ZuPlatform::naturalSortPrefix(text), std::move(text), row });
-            else
-                more.append(std::move(text));
+            if (cell.isValid())
+                texts[row * width + i] = source->data(cell, Qt::DisplayRole).toString();
         }
+        const size_t offset = keys.size();
+        ZuPlatform::appendNaturalSortKey(texts.at(row * width), keys);
+        entries.push_back({ 0, quint32(offset), quint32(keys.size() - offset), row });
+    }
+    const uchar *const keyBytes = reinterpret_cast<const uchar *>(keys.data());
+    for (Entry &entry : entries) {
+        for (quint32 k = 0; k < 8; ++k)
+            entry.head = (entry.head << 8) | (k < entry.length ? keyBytes[entry.offset + k] : 0);
     }
     auto compare = [&](const Entry &a, const Entry &b) {
-        if (a.prefix != b.prefix)
-            return a.prefix < b.prefix ? -1 : 1;
-        int order = ZuPlatform::naturalCompare(a.text, b.text);
-        for (int i = 1; i < width && order == 0; ++i)
-            order = ZuPlatform::naturalCompare(more.at(qsizetype(a.row) * (width - 1) + i - 1),
-                                               more.at(qsizetype(b.row) * (width - 1) + i - 1));
+        if (a.head != b.head)
+            return a.head < b.head ? -1 : 1;
+        const quint32 common = qMin(a.length, b.length);
+        if (common > 8) {
+            if (const int order
+                = std::memcmp(keyBytes + a.offset + 8, keyBytes + b.offset + 8, common - 8))
+                return order < 0 ? -1 : 1;
+        }
+        if (a.length != b.length)
+            return a.length < b.length ? -1 : 1;
+        // Equal keys: mostly the very same text, which a plain comparison tells at once.
+        int order = 0;
+        for (int i = 0; i < width && order == 0; ++i) {
+            const QString &left = texts.at(a.row * width + i);
+            const QString &right = texts.at(b.row * width + i);
+            order = left == right ? 0 : ZuPlatform::naturalCompare(left, right);
+        }
         return order;
     };
     std::sort(entries.begin(), entries.end(),
