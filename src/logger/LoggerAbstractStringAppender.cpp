@@ -172,8 +172,13 @@ Q_NEVER_INLINE ThreadMemory &threadMemory()
 
 inline void putTwoDigits(QChar *out, int value)
 {
-    out[0] = QLatin1Char(char('0' + value / 10));
-    out[1] = QLatin1Char(char('0' + value % 10));
+    // One table of the hundred pairs instead of a division and a remainder per call.
+    static constexpr char pairs[] = "00010203040506070809101112131415161718192021222324252627282930"
+                                    "31323334353637383940414243444546474849505152535455565758596061"
+                                    "62636465666768697071727374757677787980818283848586878889909192"
+                                    "93949596979899";
+    out[0] = QLatin1Char(pairs[2 * value]);
+    out[1] = QLatin1Char(pairs[2 * value + 1]);
 }
 
 inline void putThreeDigits(QChar *out, int value)
