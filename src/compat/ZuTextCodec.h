@@ -7,8 +7,6 @@
 #include <QTextStream>
 #include <QtGlobal>
 
-#include <cstring>
-
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 #include <QStringEncoder>
 #else
