@@ -193,9 +193,16 @@ bool systemLocaleUsesAsciiDigits()
     return ascii;
 }
 
-inline bool isFormat(const QChar *fmt, int len, const QString &format)
+// The two time formats nearly every pattern uses, written without a walk.
+constexpr char16_t isoFormat[] = u"yyyy-MM-ddTHH:mm:ss.zzz";
+constexpr char16_t clockFormat[] = u"HH:mm:ss.zzz";
+constexpr int isoLength = int(sizeof isoFormat / sizeof(char16_t)) - 1;
+constexpr int clockLength = int(sizeof clockFormat / sizeof(char16_t)) - 1;
+
+// A comparison of a known size compiles to a few word compares instead of a call.
+template<size_t N> inline bool isText(const QChar *text, int len, const char16_t (&expected)[N])
 {
-    return len == format.size() && std::memcmp(fmt, format.constData(), size_t(len) * 2) == 0;
+    return len == int(N) - 1 && std::memcmp(text, expected, (N - 1) * sizeof(char16_t)) == 0;
 }
 
 // QDateTime::toString is slow for what a log line needs. The common date formats (made of
@@ -216,12 +223,9 @@ void appendTimeStamp(LineWriter &out, Clock &clock, const QDateTime &timeStamp, 
             const int minute = clock.minute;
             const int second = clock.second;
             const int msec = clock.msec;
-            // The two formats nearly every pattern uses, written without a walk.
-            static const QString isoFormat = QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz");
-            static const QString clockFormat = QStringLiteral("HH:mm:ss.zzz");
-            if (isFormat(fmt, len, isoFormat) || isFormat(fmt, len, clockFormat)) {
+            if (isText(fmt, len, isoFormat) || isText(fmt, len, clockFormat)) {
                 QChar *o = out.room(len);
-                if (len == isoFormat.size()) {
+                if (len == isoLength) {
                     putTwoDigits(o, year / 100);
                     putTwoDigits(o + 2, year % 100);
                     o[4] = QLatin1Char('-');
@@ -474,11 +478,10 @@ void appendTime(LineWriter &out, Clock &clock, const QDateTime &timeStamp, const
         // The first character of the format is taken as it is, even a closing brace.
         const QChar *const format = p + *i + 2;
         const QChar *const end = p + size;
-        static const QString isoField = QStringLiteral("yyyy-MM-ddTHH:mm:ss.zzz}");
         // The usual format is known without a search for its end.
-        const QChar *close = end - format >= isoField.size()
-                && std::memcmp(format, isoField.constData(), size_t(isoField.size()) * 2) == 0
-            ? format + isoField.size() - 1
+        const QChar *close = end - format > isoLength && isText(format, isoLength, isoFormat)
+                && format[isoLength] == QLatin1Char('}')
+            ? format + isoLength
             : format + 1;
         while (close < end && *close != QLatin1Char('}'))
             ++close;
@@ -489,8 +492,8 @@ void appendTime(LineWriter &out, Clock &clock, const QDateTime &timeStamp, const
             return;
         }
     }
-    static const QString defaultTimeFormat = QStringLiteral("HH:mm:ss.zzz");
-    appendTimeStamp(out, clock, timeStamp, defaultTimeFormat.constData(), defaultTimeFormat.size());
+    appendTimeStamp(out, clock, timeStamp, reinterpret_cast<const QChar *>(clockFormat),
+                    clockLength);
 }
 
 } // namespace
