@@ -104,9 +104,13 @@ public:
 private:
     void grow(int n)
     {
-        // QString holds at most about 2^30 characters; asking for more fails in QString itself.
-        const qint64 wanted = qMax(qint64(m_used) + n, qint64(m_capacity) * 3 / 2);
-        m_out.resize(int(qMin(wanted, qint64(std::numeric_limits<int>::max() / 2))));
+        // A record longer than a QString may hold fails as an allocation would, never by
+        // writing past the buffer.
+        constexpr qint64 limit = std::numeric_limits<int>::max() / 2;
+        const qint64 needed = qint64(m_used) + n;
+        if (needed > limit)
+            qBadAlloc();
+        m_out.resize(int(qMin(qMax(needed, qint64(m_capacity) * 3 / 2), limit)));
         m_out.resize(int(m_out.capacity()));
         m_data = m_out.data();
         m_capacity = int(m_out.size());
