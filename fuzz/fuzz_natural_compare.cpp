@@ -5,11 +5,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 // The input is two UTF-16 strings split at the first pair of zero bytes (or
 // in the middle when there is none). Any input must give a reflexive,
-// antisymmetric answer in -1..1 that ignores case (Unicode case folding);
-// anything else aborts.
+// antisymmetric answer in -1..1 that ignores case (Unicode case folding),
+// and sort keys that agree with it wherever they differ; anything else aborts.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const size_t units = size / 2;
@@ -30,6 +31,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     for (QChar &c : folded)
         c = c.toCaseFolded();
     if (ZuPlatform::naturalCompare(a, folded) != 0)
+        abort();
+    // Wherever the sort keys differ, they order the texts as the comparison does.
+    std::string ka;
+    std::string kb;
+    ZuPlatform::appendNaturalSortKey(a, ka);
+    ZuPlatform::appendNaturalSortKey(b, kb);
+    if (ka != kb && ab != (ka < kb ? -1 : 1))
         abort();
     return 0;
 }
