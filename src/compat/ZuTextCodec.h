@@ -51,13 +51,8 @@ inline void encodeAsStream(const QTextStream &stream, const QChar *text, int len
 #else
     const bool utf8 = stream.codec()->mibEnum() == 106;
 #endif
-    const QStringView view(text, length);
     if (!utf8) {
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-        out = QStringEncoder(stream.encoding()).encode(view);
-#else
-        out = stream.codec()->fromUnicode(text, length);
-#endif
+        out = encodeAsStream(stream, QString(text, length)); // rare: a copy is fine
         return;
     }
     // ASCII, nearly every log line, is its own UTF-8: narrowed here into the kept buffer in one
@@ -72,7 +67,7 @@ inline void encodeAsStream(const QTextStream &stream, const QChar *text, int len
         bytes[k] = char(units[k]);
     }
     if (high >= 0x80)
-        out = view.toUtf8();
+        out = QStringView(text, length).toUtf8();
 }
 
 } // namespace ZuCompat
